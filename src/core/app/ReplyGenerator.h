@@ -1,0 +1,53 @@
+// Streams the model's reply into a conversation, one reply at a time in the whole program.
+#pragma once
+
+#include "core/api/ChatRequest.h"
+#include "platform/async/Job.h"
+#include "platform/async/Task.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QUuid>
+
+#include <optional>
+
+class ChatStore;
+class EngineManager;
+
+class ReplyGenerator : public QObject
+{
+    Q_OBJECT
+
+public:
+    // Both are to outlive this.
+    ReplyGenerator(EngineManager &engine, ChatStore &chats, QObject *parent = nullptr);
+    // A reply that is streaming is stopped, and what arrived last of it is not saved.
+    ~ReplyGenerator() override;
+
+    // The conversation whose reply is streaming.
+    const std::optional<QUuid> &generatingID() const { return m_generatingID; }
+
+    // Appends an empty reply to the conversation and fills it with the engine's answer to `request`; the
+    // engine is started where it does not run. Not to be called while a reply streams.
+    void start(const QUuid &id, const ChatRequest &request);
+    void stop() const { m_generationTask.requestStop(); }
+
+Q_SIGNALS:
+    void generatingIDChanged();
+    // The reply ended early; `message` is for the user.
+    void failed(const QString &message);
+    // The conversation is saved; the engine may have loaded a model.
+    void finished();
+
+private:
+    static Task<> run(QPointer<ReplyGenerator> self, QUuid id, ChatRequest request, StopToken stop);
+    static Task<> stream(QPointer<ReplyGenerator> self, QUuid id, ChatRequest request, StopToken stop);
+    void finish(const QUuid &id);
+    void setGeneratingID(const std::optional<QUuid> &id);
+
+    EngineManager &m_engine;
+    ChatStore &m_chats;
+    std::optional<QUuid> m_generatingID;
+    Job m_generationTask;
+};

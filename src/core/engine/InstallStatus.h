@@ -1,0 +1,19 @@
+// The progress line of a running installation.
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+struct InstallStatus
+{
+    QString text;
+    // Of the download, 0 to 1 and above when more arrives than was announced; absent while nobody knows.
+    std::optional<double> fraction;
+
+    bool operator==(const InstallStatus &) const = default;
+};
+
+// The line for `received` bytes out of the `expected` that the server announced (none: 0 or below), else out
+// of the `assetSize` of the release record, at `speed` bytes per second.
+InstallStatus downloadStatus(qint64 received, qint64 expected, qint64 assetSize, double speed);

@@ -1,0 +1,193 @@
+#include "core/api/Fields.h"
+#include "core/api/OllamaError.h"
+#include "core/api/WireFormat.h"
+#include "platform/error/SimpleError.h"
+#include "platform/http/TransportError.h"
+#include "support/DemoEngine.h"
+#include "support/Streams.h"
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+class OllamaClientTest : public QObject
+{
+    Q_OBJECT
+
+    std::optional<DemoEngine> m_engine;
+    template <class E>
+    static QString sentenceFor(const E &error)
+    {
+        return Friendly::message(std::make_exception_ptr(error));
+    }
+    static QJsonObject json(const QByteArray &text)
+    {
+        return WireFormat::object(text).value_or(QJsonObject{{u"not an object"_s, QString::fromUtf8(text)}});
+    }
+    const ChatRequest m_hello{.model = u"phi3.5"_s, .messages = {{u"user"_s, u"hello"_s}}};
+
+    OllamaClient client() const { return OllamaClient(m_engine->port()); }
+    // How each request for a chat ended.
+    QStringList chatEnds() const
+    {
+        QStringList states;
+        const QJsonArray requests = m_engine->requests(u"/api/chat"_s);
+        for (const QJsonValue request : requests)
+            states.append(request["state"_L1].toString());
+        return states;
+    }
+
+private Q_SLOTS:
+    void init() { m_engine.emplace(DemoEngine::quick({{u"DEMO_ENGINE_INSTALLED"_s, u"phi3.5"_s}})); }
+
+    void leavesOutWhatIsNotSet()
+    {
+        ::waitFor(readChat(client().chat(m_hello)));
+        QCOMPARE(m_engine->requests(u"/api/chat"_s)[0]["body"_L1].toString(),
+                 u"{\"messages\":[{\"content\":\"hello\",\"role\":\"user\"}],\"model\":\"phi3.5\","
+                 "\"options\":{},\"stream\":true}"_s);
+    }
+
+    void findsNoEngine()
+    {
+        m_engine->setFaults(u"version:not-http"_s);
+        QCOMPARE(failureOf(client().version()), u"The engine sent an answer I could not read."_s);
+        m_engine->setFaults(u"version:stall-early"_s);
+        QCOMPARE(failureOf(client().version()), u"The request timed out. Please try again."_s);
+    }
+
+    // Of the lines before a fault none is lost, and what failed is not sent again.
+    void streamsBreakOff()
+    {
+        ChatRequest request = m_hello;
+        request.messages[0].content = u"echo "_s + u"1234567 "_s.repeated(20);
+        const QMap<QString, int> records{
+            {u"close=2"_s, 2}, {u"early-end=2"_s, 2}, {u"error-line=unlucky"_s, 3}};
+        for (auto fault = records.begin(); fault != records.end(); ++fault) {
+            m_engine->setFaults(u"chat:"_s + fault.key());
+            QCOMPARE(::waitFor(readChat(client().chat(request))).records, *fault);
+        }
+        QCOMPARE(chatEnds().size(), records.size());
+    }
+
+    void stopsTheTransfer()
+    {
+        m_engine->setFaults(u"chat:stall"_s);
+        const StopSource stop;
+        auto stopped = client().chat(m_hello, stop.token());
+        std::optional dropped(client().chat(m_hello));
+        QVERIFY(::waitFor(firstOf(&stopped)) && ::waitFor(firstOf(&*dropped)));
+        stop.requestStop();
+        dropped.reset();
+        QCOMPARE(::waitFor(readChat(std::move(stopped))).failure, u"Cancelled."_s);
+        QTRY_COMPARE(chatEnds(), QStringList({u"cut"_s, u"cut"_s}));
+        QTRY_COMPARE(runningTasks(), 0);
+    }
+
+    void errorsAsSentences()
+    {
+        const QString diskFull = u"Your disk is full. Free some space and try again."_s;
+        const QString noSuchModel = u"I couldn't find a model with that name in the Ollama library."_s;
+        const QString needsMemory = u"This model needs more memory than your Mac has free. Try a smaller "
+                                    "model or a shorter context length."_s;
+        QMap<QString, QString> sentences{
+            {u"write /m/blobs/x-partial: no space left on device"_s, diskFull},
+            {u"Disk Full"_s, diskFull},
+            {u"out of memory, no space left"_s, diskFull},
+            {u"model requires MORE System memory (9 GiB)"_s, needsMemory},
+            {u"insufficient memory"_s, needsMemory},
+            {u"model not found: out of memory"_s, needsMemory},
+            {u"pull model manifest: file does not exist"_s, noSuchModel},
+            {u"NOT FOUND: this Model"_s, noSuchModel},
+        };
+        for (const QString &untouched : {u"404 page not found"_s, u"reported out-of-memory"_s,
+                                         u"D\u0130SK FULL"_s, u"Invalid MODEL name"_s, QString()})
+            sentences[untouched] = untouched;
+        for (auto error = sentences.begin(); error != sentences.end(); ++error) {
+            QCOMPARE(sentenceFor(SimpleError(error.key())), *error);
+            QCOMPARE(sentenceFor(OllamaError::api(error.key())), *error);
+            QCOMPARE(sentenceFor(std::runtime_error(error.key().toStdString())), *error);
+        }
+
+        // A description that a rule would catch, if it were looked at.
+        using Code = TransportError::Code;
+        const auto sentence = [](Code code) { return sentenceFor(TransportError(code, u"disk full"_s)); };
+        for (const Code code : {Code::notConnectedToInternet, Code::connectionLost, Code::cannotFindHost})
+            QCOMPARE(sentence(code), u"No network connection. Check your internet and try again."_s);
+        QCOMPARE(sentence(Code::timedOut), u"The request timed out. Please try again."_s);
+        QCOMPARE(sentence(Code::cannotConnect),
+                 u"I can't reach the local engine. Is the Local server switched on?"_s);
+        QCOMPARE(sentence(Code::cancelled), u"Cancelled."_s);
+        QCOMPARE(sentence(Code::other), u"disk full"_s);
+    }
+
+    // What an answer or a line says. Members that are absent or of another type read as the record's
+    // defaults; a list with an element that is none of its kind reads as empty.
+    void numbers()
+    {
+        using Limits = std::numeric_limits<qint64>;
+        const auto number = [](const char *text) {
+            return integerIn(json("{\"n\":" + QByteArray(text) + "}").value("n"_L1));
+        };
+        QCOMPARE(number("-1.5"), -1);
+        QCOMPARE(number("9007199254740993"), 9007199254740993);
+        QCOMPARE(number("1e300"), Limits::max());
+        QCOMPARE(number("-1e300"), Limits::min());
+        for (const char *const other : {"\"5\"", "true", "null"})
+            QCOMPARE(number(other), std::nullopt);
+    }
+
+    void models()
+    {
+        using Installed = QList<InstalledModel>;
+        const auto installed = [](const char *answer) { return WireFormat::installedModels(json(answer)); };
+        QCOMPARE(installed(R"({"models":{"name":"a"}})"), Installed());
+        QCOMPARE(installed(R"({"models":[{"name":"a"},7]})"), Installed());
+        QCOMPARE(installed(R"({"models":[{"name":"b","size":9,"details":{"family":"f","parameter_size":"p",
+                               "quantization_level":"q"}},{"model":"a"},{"name":7},
+                               {"name":"c","size":"9","details":{"family":1,"parameter_size":null}},
+                               {"name":"a","details":[]}]})"),
+                 (Installed{{u"b"_s, 9, u"f"_s, u"p"_s, u"q"_s}, {u"c"_s}, {u"a"_s}}));
+
+        using Loaded = QList<LoadedModel>;
+        const auto loaded = [](const char *answer) { return WireFormat::loadedModels(json(answer)); };
+        QCOMPARE(loaded(R"({"models":[{"name":"a"},"b"]})"), Loaded());
+        QCOMPARE(loaded(R"({"models":[{"name":"a","model":"x","size":1.9},{"model":"b"},
+                            {"name":1,"model":"c","size":"9"},{"name":null},{}]})"),
+                 (Loaded{{u"a"_s, 1}, {u"b"_s, 0}, {u"c"_s, 0}}));
+
+        const auto details = [](const char *answer) { return WireFormat::modelDetails(json(answer)); };
+        QCOMPARE(details(R"({"parameters":"a\nb","license":"MIT","capabilities":["completion","thinking"],
+                             "details":{"family":"f","parameter_size":"p","quantization_level":"q"},
+                             "model_info":{"general.parameter_count":5,"llama.context_length":131072}})"),
+                 (ModelDetails{
+                     u"a\nb"_s, 131072, u"q"_s, u"f"_s, u"p"_s, u"MIT"_s, {u"completion"_s, u"thinking"_s}}));
+        QCOMPARE(details(R"({"capabilities":["thinking",1],"license":["MIT"],"details":"x","model_info":
+                             {"a.context_length":"9","context_length":9,"a.context_lengths":9}})"),
+                 ModelDetails());
+    }
+
+    void lines()
+    {
+        const auto pull = [](const char *line) { return WireFormat::pullProgress(json(line)); };
+        QCOMPARE(pull(R"({"status":"s","digest":"d","total":9,"completed":5})"),
+                 (PullProgress{u"s"_s, u"d"_s, 9, 5}));
+        QCOMPARE(pull(R"({"status":1,"digest":null,"total":"9","completed":true})"), PullProgress());
+
+        const auto chat = [](const char *line) { return WireFormat::chatChunk(json(line)); };
+        QCOMPARE(chat(R"({"message":{"content":"c","thinking":"t"},"done":true,"eval_count":3,
+                          "eval_duration":4})"),
+                 (ChatChunk{u"c"_s, u"t"_s, true, 3, 4}));
+        QCOMPARE(chat(R"({"message":"c","done":1,"eval_count":"3"})"), ChatChunk());
+
+        // One that is not UTF-8 counts, one that is no object does not, however deep.
+        const QJsonObject odd = WireFormat::lineObject("{\"error\":\"a\xff\xc3(\"}").value_or(QJsonObject());
+        QCOMPARE(WireFormat::error(odd), std::optional(u"a\uFFFD\uFFFD("_s));
+        const QByteArray deep = QByteArray("{\"a\":").repeated(100'000) + '1' + QByteArray(100'000, '}');
+        for (const QByteArray &line : QByteArrayList{"", " ", "{\"a\":", "[{}]", "7", "{} {}", deep})
+            QVERIFY(!WireFormat::lineObject(line) && !OllamaClient::parseError(line));
+    }
+};
+
+QTEST_GUILESS_MAIN(OllamaClientTest)
+#include "tst_ollamaclient.moc"
