@@ -1,0 +1,122 @@
+#include "ui/chat/ChatPane.h"
+
+#include "core/app/AppState.h"
+#include "ui/chat/ChatHeader.h"
+#include "ui/chat/MessageInput.h"
+#include "ui/chat/transcript/Transcript.h"
+#include "ui/widgets/Divider.h"
+#include "ui/widgets/ProminentButton.h"
+#include "ui/widgets/RenderScheduler.h"
+#include "ui/widgets/SymbolIcon.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QShortcut>
+
+using namespace Qt::StringLiterals;
+
+ChatPane::ChatPane(AppState &state, Desktop &desktop, const QUuid &id, QWidget *parent)
+    : QWidget(parent),
+      m_state(state),
+      m_id(id),
+      m_transcript(new Transcript(desktop)),
+      m_input(new MessageInput),
+      m_send(new ProminentButton(tr("Send"))),
+      m_stop(new ProminentButton(tr("Stop"))),
+      m_escape(new QShortcut(Qt::Key_Escape, this)),
+      m_announcement(new QLabel(this))
+{
+    // Seen by screen readers alone, which say the name whenever it changes.
+    m_announcement->setFixedSize(1, 1);
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(new ChatHeader(state, id));
+    column->addWidget(new Divider(Qt::Horizontal));
+    column->addWidget(m_transcript, 1);
+    column->addWidget(new Divider(Qt::Horizontal));
+    column->addWidget(makeInputRow());
+
+    connect(m_transcript, &Transcript::regenerateRequested, this, [this] { m_state.regenerate(m_id); });
+    connect(m_transcript, &Transcript::editRequested, this, &ChatPane::edit);
+    connect(m_input, &MessageInput::submitted, this, &ChatPane::send);
+    connect(m_input, &QPlainTextEdit::textChanged, this, &ChatPane::render);
+    connect(m_send, &QPushButton::clicked, this, &ChatPane::send);
+    connect(m_stop, &QPushButton::clicked, &m_state, &AppState::stopGenerating);
+    connect(m_escape, &QShortcut::activated, &m_state, &AppState::stopGenerating);
+
+    render();
+    auto *scheduler = new RenderScheduler(this, [this] { render(); });
+    scheduler->follow(&m_state, &AppState::generatingIDChanged);
+    connect(&m_state.chats(), &ChatStore::conversationChanged, scheduler,
+            [this, scheduler](const QUuid &changed) {
+                if (changed == m_id)
+                    scheduler->schedule();
+            });
+}
+
+QWidget *ChatPane::makeInputRow()
+{
+    m_send->setIcon(SymbolIcon::icon(u"paperplane.fill"_s, Tint::onAccent));
+    m_stop->setIcon(SymbolIcon::icon(u"stop.circle.fill"_s, Tint::onAccent));
+    auto *part = new QWidget;
+    part->setBackgroundRole(QPalette::Window);
+    part->setAutoFillBackground(true);
+    auto *row = new QHBoxLayout(part);
+    m_send->setMinimumHeight(m_input->sizeHint().height());
+    m_stop->setMinimumHeight(m_input->sizeHint().height());
+    row->setContentsMargins(10, 10, 10, 10);
+    row->setSpacing(8);
+    row->addWidget(m_input, 1, Qt::AlignBottom);
+    row->addWidget(m_send, 0, Qt::AlignBottom);
+    row->addWidget(m_stop, 0, Qt::AlignBottom);
+    return part;
+}
+
+void ChatPane::focusInput()
+{
+    m_input->setFocus();
+}
+
+bool ChatPane::isGenerating() const
+{
+    return m_state.generatingID() == m_id;
+}
+
+void ChatPane::render()
+{
+    const Conversation *conversation = m_state.chats().find(m_id);
+    if (!conversation)
+        return;
+    const bool generating = isGenerating();
+    m_transcript->showConversation(*conversation, generating);
+    const bool buttonFocused = m_send->hasFocus() || m_stop->hasFocus();
+    m_send->setVisible(!generating);
+    m_stop->setVisible(generating);
+    m_send->setEnabled(!m_input->draft().trimmed().isEmpty() && !conversation->model.isEmpty());
+    if (buttonFocused && !m_send->hasFocus() && !m_stop->hasFocus())
+        (generating ? static_cast<QWidget *>(m_stop) : m_input)->setFocus();
+    m_escape->setEnabled(generating);
+    const QString announcement = generating ? tr("A reply is being written") : tr("The reply has ended");
+    if (generating || !m_announcement->accessibleName().isEmpty())
+        m_announcement->setAccessibleName(announcement);
+}
+
+void ChatPane::send()
+{
+    const QString draft = m_input->draft();
+    if (draft.trimmed().isEmpty() || isGenerating())
+        return;
+    m_input->clear();
+    m_state.send(draft, m_id);
+}
+
+void ChatPane::edit()
+{
+    const std::optional<QString> draft = m_state.takeLastUserMessage(m_id);
+    if (!draft)
+        return;
+    m_input->setDraft(*draft);
+    focusInput();
+}

@@ -1,0 +1,41 @@
+// One conversation: its header, its messages and the field in which the next one is written. Made afresh for
+// each conversation that is selected.
+#pragma once
+
+#include <QUuid>
+#include <QWidget>
+
+class AppState;
+class Desktop;
+class MessageInput;
+class ProminentButton;
+class QLabel;
+class QShortcut;
+class Transcript;
+
+class ChatPane : public QWidget
+{
+    Q_OBJECT
+
+public:
+    ChatPane(AppState &state, Desktop &desktop, const QUuid &id, QWidget *parent = nullptr);
+
+    const QUuid &id() const { return m_id; }
+    void focusInput();
+
+private:
+    void render();
+    bool isGenerating() const;
+    QWidget *makeInputRow();
+    void send();
+    void edit();
+
+    AppState &m_state;
+    const QUuid m_id;
+    Transcript *const m_transcript;
+    MessageInput *const m_input;
+    ProminentButton *const m_send;
+    ProminentButton *const m_stop;
+    QShortcut *const m_escape;
+    QLabel *const m_announcement;
+};

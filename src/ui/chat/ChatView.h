@@ -1,0 +1,41 @@
+// The chat tab: the list of conversations with its search field on the left, the selected one on the right.
+#pragma once
+
+#include <QUuid>
+#include <QWidget>
+
+class AppState;
+class ChatPane;
+class ConversationListModel;
+class Desktop;
+class QHBoxLayout;
+class QLineEdit;
+class RowListView;
+
+class ChatView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    ChatView(AppState &state, Desktop &desktop, QWidget *parent = nullptr);
+
+    // Puts the focus into the search field.
+    void startSearch();
+
+private:
+    void render();
+    void renderPane();
+    QWidget *makeList();
+    QWidget *makePlaceholder();
+    void showMenu(const QPoint &position);
+    void rename(const QUuid &id);
+
+    AppState &m_state;
+    Desktop &m_desktop;
+    ConversationListModel *const m_model;
+    QLineEdit *const m_search;
+    RowListView *const m_list;
+    QWidget *const m_placeholder;
+    ChatPane *m_pane = nullptr;
+    bool m_rendering = false; // what the list selects is then not the user's doing
+};

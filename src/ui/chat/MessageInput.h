@@ -1,0 +1,39 @@
+// The field in which a message is written. It grows with its text up to eight lines; Return submits, Shift
+// and Return breaks the line, and neither happens while an input method is composing.
+#pragma once
+
+#include <QPlainTextEdit>
+
+class MessageInput : public QPlainTextEdit
+{
+    Q_OBJECT
+
+public:
+    explicit MessageInput(QWidget *parent = nullptr);
+
+    // What has been written, with the spaces that do not break, and without what is only being composed.
+    QString draft() const;
+    // Replaces the draft and puts the cursor behind it.
+    void setDraft(const QString &draft);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return {120, sizeHint().height()}; }
+
+Q_SIGNALS:
+    void submitted();
+
+protected:
+    bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
+    void insertFromMimeData(const QMimeData *source) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    void fit();
+    // Called before the text comes into the field.
+    void wrapFor(const QString &text);
+
+    bool m_composing = false;
+};

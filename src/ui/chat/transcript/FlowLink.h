@@ -1,0 +1,16 @@
+// A link in a text that is laid out in rows.
+#pragma once
+
+#include <QString>
+
+struct StyledText;
+
+struct FlowLink
+{
+    int row = 0;
+    int index = 0; // among the links of the row
+    QString text;  // as it is shown
+    QString target;
+
+    static FlowLink of(const StyledText &text, int row, int index);
+};

@@ -1,0 +1,17 @@
+// What there is to know of a message beside its text.
+#pragma once
+
+#include <optional>
+
+struct MessageFacts
+{
+    bool isUsers = false;
+    bool isLast = false;
+    bool isGenerating = false; // a reply in its conversation is
+    bool isOpen = false;       // its reasoning is shown
+    std::optional<double> tokensPerSecond;
+
+    bool operator==(const MessageFacts &) const = default;
+
+    bool isArriving() const { return isLast && isGenerating; }
+};

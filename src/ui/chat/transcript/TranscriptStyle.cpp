@@ -1,0 +1,76 @@
+#include "ui/chat/transcript/TranscriptStyle.h"
+
+#include "ui/widgets/TextStyle.h"
+#include "ui/widgets/Tint.h"
+
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QTextLayout>
+#include <QtMath>
+
+namespace {
+
+QFont bold(QFont font)
+{
+    font.setBold(true);
+    return font;
+}
+
+double columnWidth(const QFont &font)
+{
+    constexpr int columns = 64;
+    QTextLayout layout(QString(columns, u'0'), font);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    return line.naturalTextWidth() / columns;
+}
+
+} // namespace
+
+TranscriptStyle::TranscriptStyle(const QPalette &palette)
+    : body(styledFont(TextStyle::body)),
+      title2(bold(styledFont(TextStyle::title2))),
+      title3(bold(styledFont(TextStyle::title3))),
+      headline(styledFont(TextStyle::headline)),
+      callout(styledFont(TextStyle::callout)),
+      caption(styledFont(TextStyle::caption)),
+      code(monospacedFont(TextStyle::callout)),
+      codeInline(monospacedFont(TextStyle::body)),
+      text(tintColor(Tint::text, palette)),
+      secondary(tintColor(Tint::secondary, palette)),
+      link(palette.color(QPalette::Link)),
+      bubble(tintColor(Tint::accent, palette, 0.2)),
+      focus(tintColor(Tint::accent, palette)),
+      bodyLineHeight(QFontMetrics(body).lineSpacing()),
+      bodyCharacterWidth(QFontMetricsF(body).averageCharWidth()),
+      codeLineHeight(QFontMetrics(code).lineSpacing()),
+      codeColumnWidth(columnWidth(code)),
+      captionHeight(QFontMetrics(caption).lineSpacing()),
+      calloutHeight(QFontMetrics(callout).lineSpacing())
+{
+}
+
+const QFont &TranscriptStyle::font(MarkdownLine::Style style) const
+{
+    switch (style) {
+    case MarkdownLine::Style::title2:
+        return title2;
+    case MarkdownLine::Style::title3:
+        return title3;
+    case MarkdownLine::Style::headline:
+        return headline;
+    case MarkdownLine::Style::blank:
+    case MarkdownLine::Style::bullet:
+    case MarkdownLine::Style::body:
+        break;
+    }
+    return body;
+}
+
+QColor TranscriptStyle::faint(double opacity) const
+{
+    QColor color = secondary;
+    color.setAlphaF(color.alphaF() * static_cast<float>(opacity));
+    return color;
+}

@@ -1,0 +1,18 @@
+#include "ui/widgets/ScrollPage.h"
+
+#include <QScrollBar>
+
+ScrollPage::ScrollPage(QWidget *parent) : QScrollArea(parent)
+{
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    setFocusPolicy(Qt::NoFocus);
+    auto *content = new QWidget;
+    m_column = new QVBoxLayout(content);
+    m_column->setContentsMargins(24, 24, 24, 24);
+    m_column->setSpacing(16);
+    setWidget(content);
+    content->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+    verticalScrollBar()->setAccessibleName(tr("Scroll"));
+}

@@ -1,0 +1,159 @@
+#include "support/Table.h"
+#include "ui/widgets/ElidedLabel.h"
+#include "ui/widgets/PlaceholderColor.h"
+#include "ui/widgets/PlainText.h"
+#include "ui/widgets/SelectableText.h"
+#include "ui/widgets/SymbolIcon.h"
+#include "ui/widgets/TextLabel.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMimeData>
+
+using namespace Qt::StringLiterals;
+
+class AppearanceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        QApplication::setPalette(QPalette());
+        QApplication::setFont(m_font);
+        QCoreApplication::processEvents();
+    }
+
+    // Drawn at all, in the colour asked for and no other, and in the screen's own pixels.
+    void symbols()
+    {
+        const QColor color(0xff, 0x80, 0x00);
+        const QString all =
+            u"1.circle 2.circle 3.circle bubble.left.and.bubble.right chevron.right cpu doc.on.doc "
+            "checkmark.circle.fill magnifyingglass exclamationmark.triangle.fill memorychip "
+            "paperplane.fill server.rack questionmark.circle square.and.pencil "
+            "slider.horizontal.3 square.stack.3d.up square.and.arrow.up stop.circle.fill "
+            "star.fill trash"_s;
+        const QStringList symbols = all.split(u' ');
+        for (const QString &symbol : symbols) {
+            const QPixmap pixmap = SymbolIcon::pixmap(symbol, 18, color, 1.5);
+            QCOMPARE(pixmap.size(), QSize(27, 27));
+            QCOMPARE(pixmap.deviceIndependentSize(), QSizeF(18, 18));
+            const QImage image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
+            int drawn = 0;
+            for (int pixel = 0; pixel < 27 * 27; ++pixel) {
+                const QColor found = image.pixelColor(pixel % 27, pixel / 27);
+                if (found.alpha() < 200)
+                    continue;
+                ++drawn;
+                QVERIFY2(qAbs(found.red() - color.red()) < 4 && qAbs(found.green() - color.green()) < 4 &&
+                             found.blue() < 4,
+                         qUtf8Printable(symbol));
+            }
+            QVERIFY2(drawn > 20, qUtf8Printable(symbol));
+        }
+    }
+
+    void tintsFollowThePalette()
+    {
+        const QPalette light = QApplication::palette();
+        QWidget window;
+        const TextLabel label(u"Text"_s, TextStyle::body, Tint::secondary, &window);
+        const SelectableText text(TextStyle::body, Tint::red, &window);
+        window.show();
+        QPalette dark = light;
+        dark.setColor(QPalette::Window, Qt::black);
+        dark.setColor(QPalette::WindowText, Qt::white);
+        for (const QPalette &palette : {light, dark, light}) {
+            QApplication::setPalette(palette);
+            QCoreApplication::processEvents();
+            QCOMPARE(label.palette().color(QPalette::WindowText), tintColor(Tint::secondary, palette));
+            QCOMPARE(text.palette().color(QPalette::Text), tintColor(Tint::red, palette));
+            // What is written in a colour stands out from the ground it stands on.
+            for (const Tint tint : {Tint::text, Tint::green, Tint::orange, Tint::red}) {
+                const float ground = palette.color(QPalette::Window).lightnessF();
+                QVERIFY(qAbs(tintColor(tint, palette).lightnessF() - ground) > 0.3F);
+            }
+        }
+    }
+
+    void placeholdersFollowTheText()
+    {
+        QPalette wrong;
+        wrong.setColor(QPalette::PlaceholderText, Qt::red);
+        QApplication::setPalette(wrong);
+        QColor expected = QApplication::palette().color(QPalette::Text);
+        expected.setAlpha(128);
+        keepPlaceholdersLegible();
+        QCOMPARE(QApplication::palette().color(QPalette::PlaceholderText), expected);
+        QApplication::setPalette(wrong);
+        QCOMPARE(QApplication::palette().color(QPalette::PlaceholderText), expected);
+    }
+
+    void textSizesFollowTheFont()
+    {
+        TextLabel title(TextStyle::title);
+        title.show();
+        QFont large = m_font;
+        large.setPointSizeF(20);
+        QApplication::setFont(large);
+        QCoreApplication::processEvents();
+        QCOMPARE(title.font().pointSizeF(), 34.0);
+        large.setPixelSize(20);
+        QApplication::setFont(large);
+        QCoreApplication::processEvents();
+        QCOMPARE(title.font().pixelSize(), 34);
+    }
+
+    void shortened_data()
+    {
+        const auto row = table<QString, QString>("text", "shown");
+        const QString lines = u"line\n"_s.repeated(11);
+        row("longer", QString(1001, u'a'), QString(1000, u'a') + u'…');
+        row("no half character", QString(999, u'a') + u"\U0001F600"_s, QString(999, u'a') + u'…');
+        row("13 lines", lines + u"12\n13"_s, lines + u"12…"_s);
+    }
+
+    void shortened()
+    {
+        QFETCH(const QString, text);
+        QTEST(::shortened(text), "shown");
+    }
+
+    void cutsOnlyWhatDoesNotFit()
+    {
+        for (int size = 8; size < 20; ++size) {
+            QFont font = m_font;
+            font.setPointSize(size);
+            QApplication::setFont(font);
+            for (const QString &name : {u"phi3.5"_s, u"qwen2.5-coder:7b"_s, u"http://127.0.0.1:11435"_s}) {
+                const ElidedLabel label(name, TextStyle::headline);
+                const QFontMetrics metrics(label.font());
+                QCOMPARE(metrics.elidedText(name, Qt::ElideMiddle, label.sizeHint().width()), name);
+            }
+        }
+    }
+
+    void growingTextKeepsTheSelection()
+    {
+        SelectableText text(TextStyle::body);
+        text.resize(300, 200);
+        text.showText(u"One two"_s);
+        text.moveCursor(QTextCursor::Start);
+        QVERIFY(text.find(u"two"_s));
+        text.showText(u"One two\u00a0three\n<i>four</i>"_s);
+        QCOMPARE(text.textCursor().selectedText(), u"two"_s);
+        text.selectAll();
+        text.copy();
+        QCOMPARE(QApplication::clipboard()->text(), u"One two\u00a0three\n<i>four</i>"_s);
+        QVERIFY(!QApplication::clipboard()->mimeData()->hasHtml());
+        text.showText(u"Other"_s);
+        QCOMPARE(text.toPlainText(), u"Other"_s);
+    }
+
+private:
+    const QFont m_font = QApplication::font();
+};
+
+QTEST_MAIN(AppearanceTest)
+#include "tst_appearance.moc"
