@@ -1,0 +1,15 @@
+// How the engine's state is named and coloured wherever it shows.
+#pragma once
+
+#include "core/engine/EngineManager.h"
+#include "ui/widgets/Tint.h"
+
+#include <QString>
+
+struct ServerStatus
+{
+    QString text;
+    Tint tint = Tint::grey; // of the status dot
+};
+
+ServerStatus serverStatus(EngineManager::State::Kind kind);
