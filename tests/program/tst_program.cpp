@@ -36,6 +36,13 @@ class ProgramTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // Programs run in the background are often told to ignore these, and pass that on.
+    void initTestCase()
+    {
+        for (const int number : {SIGINT, SIGHUP})
+            std::signal(number, SIG_DFL);
+    }
+
     void init()
     {
         m_port = freePort();

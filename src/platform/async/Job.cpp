@@ -10,8 +10,3 @@ void Job::requestStop() const
     if (m_stop)
         m_stop->requestStop();
 }
-
-bool Job::stopRequested() const
-{
-    return m_stop && m_stop->stopRequested();
-}

@@ -18,7 +18,6 @@ public:
     explicit Job(const std::function<Task<>(StopToken)> &start);
 
     void requestStop() const;
-    bool stopRequested() const;
 
 private:
     std::shared_ptr<StopSource> m_stop;

@@ -54,6 +54,13 @@ std::optional<QByteArray> asData(const QVariant &value)
     return value.typeId() == QMetaType::QByteArray ? std::optional(value.toByteArray()) : std::nullopt;
 }
 
+// Qt would make the file readable for everyone, and keeps the modes of one that is there.
+void makePrivateFile(const QString &path)
+{
+    makePrivateFolder(QFileInfo(path).path());
+    QFile(path).open(QIODevice::NewOnly | QIODevice::WriteOnly, QFile::ReadOwner | QFile::WriteOwner);
+}
+
 } // namespace
 
 UserDefaults::UserDefaults(QObject *parent)
@@ -63,16 +70,14 @@ UserDefaults::UserDefaults(QObject *parent)
 {
     m_settings->setFallbacksEnabled(false);
 #ifndef Q_OS_MACOS
-    makePrivateFolder(QFileInfo(m_settings->fileName()).path());
+    makePrivateFile(m_settings->fileName());
 #endif
 }
 
 UserDefaults::UserDefaults(const QString &iniFile, QObject *parent)
     : QObject(parent), m_settings(std::make_unique<QSettings>(iniFile, QSettings::IniFormat))
 {
-    // Qt would make the file readable for everyone, and keeps the modes of one that is there.
-    makePrivateFolder(QFileInfo(iniFile).path());
-    QFile(iniFile).open(QIODevice::NewOnly | QIODevice::WriteOnly, QFile::ReadOwner | QFile::WriteOwner);
+    makePrivateFile(iniFile);
 }
 
 void UserDefaults::registerDefault(const QString &key, const QVariant &value)

@@ -19,7 +19,7 @@ class UserDefaults : public QObject
 public:
     // The desktop's own store: the preferences on macOS, a file below $XDG_CONFIG_HOME (~/.config) elsewhere.
     explicit UserDefaults(QObject *parent = nullptr);
-    // The INI file `iniFile`, which is made, with its folder, by the first change.
+    // The INI file `iniFile`. It is made, with its folder and for the user alone, where there is none.
     explicit UserDefaults(const QString &iniFile, QObject *parent = nullptr);
 
     // What the readers give while nothing usable is stored under `key`. Not written to disk.

@@ -2,7 +2,6 @@
 
 #include <QNetworkProxy>
 
-#include <algorithm>
 #include <chrono>
 #include <utility>
 

@@ -31,6 +31,8 @@ QNetworkRequest platformRequest(const HttpRequest &request)
     result.setHeader(QNetworkRequest::UserAgentHeader, u"Tarnwick"_s);
     // Qt would ask for a compressed body and unpack it, and then does not notice one that was cut.
     result.setRawHeader("Accept-Encoding", "identity");
+    // It would also tell the language of the desktop.
+    result.setRawHeader("Accept-Language", "en");
     for (const auto &[name, value] : request.headers)
         result.setRawHeader(name, value);
     // Over HTTP/2 Qt takes no notice of the read buffer's size.

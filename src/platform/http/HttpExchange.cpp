@@ -12,9 +12,23 @@ namespace {
 
 using Code = TransportError::Code;
 
-TransportError transportError(QNetworkReply::NetworkError error, const QString &text)
+int statusOf(const QNetworkReply &reply)
 {
-    switch (error) {
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+}
+
+// For what the system says and Qt has no name for: that no way leads to the server or that the one in use is
+// gone, and of a server on this machine that it ended while it was being connected to.
+Code codeOfUnnamed(const QNetworkReply &reply)
+{
+    if (statusOf(reply) != 0)
+        return Code::connectionLost;
+    return isLoopback(reply.url().host()) ? Code::cannotConnect : Code::notConnectedToInternet;
+}
+
+TransportError transportError(const QNetworkReply &reply)
+{
+    switch (reply.error()) {
     case QNetworkReply::ConnectionRefusedError:
         return TransportError(Code::cannotConnect);
     // The second is what Qt says where it would have sent the body again.
@@ -25,13 +39,12 @@ TransportError transportError(QNetworkReply::NetworkError error, const QString &
         return TransportError(Code::cannotFindHost);
     case QNetworkReply::TimeoutError:
         return TransportError(Code::timedOut);
-    case QNetworkReply::TemporaryNetworkFailureError:
-    case QNetworkReply::NetworkSessionFailedError:
-        return TransportError(Code::notConnectedToInternet);
+    case QNetworkReply::UnknownNetworkError:
+        return TransportError(codeOfUnnamed(reply));
     case QNetworkReply::OperationCanceledError:
         return TransportError(Code::cancelled);
     default:
-        return TransportError(Code::other, text);
+        return TransportError(Code::other, reply.errorString());
     }
 }
 
@@ -54,19 +67,6 @@ bool isMerelyStatus(QNetworkReply::NetworkError error, int status)
 bool isRedirect(int status)
 {
     return (status >= 301 && status <= 303) || status == 305 || status == 307 || status == 308;
-}
-
-int statusOf(const QNetworkReply &reply)
-{
-    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-}
-
-// A server on this machine that ends while it is being connected to: Qt has no name for what the system says
-// then.
-bool isUnreached(const QNetworkReply &reply)
-{
-    return reply.error() == QNetworkReply::UnknownNetworkError && statusOf(reply) == 0 &&
-           isLoopback(reply.url().host());
 }
 
 bool isLost(QNetworkReply::NetworkError error)
@@ -195,10 +195,8 @@ void HttpExchange::conclude(bool notHttp)
     const QNetworkReply::NetworkError error = m_reply->error();
     const int status = statusOf(*m_reply);
     m_over = true;
-    if (isUnreached(*m_reply))
-        m_error = std::make_exception_ptr(TransportError(Code::cannotConnect));
-    else if (error != QNetworkReply::NoError && !notHttp && !isMerelyStatus(error, status))
-        m_error = std::make_exception_ptr(transportError(error, m_reply->errorString()));
+    if (error != QNetworkReply::NoError && !notHttp && !isMerelyStatus(error, status))
+        m_error = std::make_exception_ptr(transportError(*m_reply));
     else if (!m_head)
         m_head = HttpHead{status, -1};
     announce();

@@ -2,7 +2,6 @@
 
 #include "platform/http/HttpExchange.h"
 
-#include <algorithm>
 #include <limits>
 
 namespace {

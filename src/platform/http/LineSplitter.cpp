@@ -12,6 +12,7 @@ std::optional<QByteArrayView> LineSplitter::next()
     if (m_headUsed) {
         m_head.clear();
         m_headUsed = false;
+        m_tooLong = false;
     }
     if (m_afterReturn && m_start < m_bytes.size()) {
         m_afterReturn = false;
@@ -21,15 +22,15 @@ std::optional<QByteArrayView> LineSplitter::next()
     const qsizetype end = endOfLine();
     const QByteArrayView line = QByteArrayView(m_bytes).sliced(m_start, end - m_start);
     if (end == m_bytes.size()) {
-        m_head += line;
+        keep(line);
         m_start = end;
         return std::nullopt;
     }
     m_afterReturn = m_bytes.at(end) == '\r';
     m_start = end + 1;
-    if (m_head.isEmpty())
+    if (m_head.isEmpty() && !m_tooLong)
         return line;
-    m_head += line;
+    keep(line);
     m_headUsed = true;
     return m_head;
 }
@@ -52,4 +53,13 @@ qsizetype LineSplitter::endOfLine()
     }
     const qsizetype carriageReturn = bytes.first(m_lineFeed).indexOf('\r', m_start);
     return carriageReturn < 0 ? m_lineFeed : carriageReturn;
+}
+
+void LineSplitter::keep(QByteArrayView piece)
+{
+    m_tooLong = m_tooLong || piece.size() > m_longestLine - m_head.size();
+    if (m_tooLong)
+        m_head = QByteArray();
+    else
+        m_head += piece;
 }

@@ -18,7 +18,7 @@ namespace {
 Q_LOGGING_CATEGORY(instanceLog, "tarnwick.instance")
 
 constexpr int handOverMilliseconds = 1000;
-// Longer than quitting takes.
+// Longer than quitting takes, unless the disk holds it up.
 constexpr int lockMilliseconds = 3000;
 
 const QByteArray newChatLine = "new-chat\n";
@@ -33,11 +33,20 @@ QString serverNameFor(const QString &folder)
     return u"tarnwick-%1-%2"_s.arg(getuid()).arg(QLatin1StringView(digest.first(16)));
 }
 
+// `path`, a part of which may not be there yet, without links: two spellings of one folder are one profile.
+QString canonicalPath(const QString &path)
+{
+    const QString known = QFileInfo(path).canonicalFilePath();
+    if (!known.isEmpty() || QFileInfo(path).isRoot())
+        return known;
+    return QDir(canonicalPath(QFileInfo(path).path())).filePath(QFileInfo(path).fileName());
+}
+
 } // namespace
 
 SingleInstance::SingleInstance(const QString &folder, QObject *parent)
     : QObject(parent),
-      m_folder(QDir::cleanPath(QFileInfo(folder).absoluteFilePath())),
+      m_folder(canonicalPath(QDir::cleanPath(QFileInfo(folder).absoluteFilePath()))),
       m_serverName(serverNameFor(m_folder))
 {
 }
@@ -105,13 +114,13 @@ void SingleInstance::hear(QLocalSocket *caller)
     caller->setReadBufferSize(longestLine);
     connect(caller, &QLocalSocket::disconnected, caller, &QObject::deleteLater);
     const auto listenTo = [this, caller] {
-        if (!caller->canReadLine())
+        if (!caller->canReadLine() && caller->bytesAvailable() < longestLine)
             return;
-        const bool isNewChat = caller->readLine() == newChatLine;
+        const QByteArray line = caller->readLine();
         caller->disconnectFromServer();
-        if (isNewChat)
+        if (line == newChatLine)
             Q_EMIT newChatRequested();
-        else
+        else if (line == showLine)
             Q_EMIT showRequested();
     };
     connect(caller, &QLocalSocket::readyRead, this, listenTo);

@@ -44,6 +44,11 @@ TerminationSignals::TerminationSignals(QObject *parent)
     struct sigaction action = {};
     action.sa_handler = handleSignal;
     action.sa_flags = SA_RESTART;
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
-        sigaction(number, &action, nullptr);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        // Whoever started this may want it to outlive its terminal.
+        struct sigaction before = {};
+        sigaction(number, nullptr, &before);
+        if (before.sa_handler != SIG_IGN)
+            sigaction(number, &action, nullptr);
+    }
 }

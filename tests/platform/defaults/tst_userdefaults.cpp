@@ -61,7 +61,8 @@ private Q_SLOTS:
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.path()));
         UserDefaults defaults;
         defaults.set(u"guideDone"_s, true);
-        QVERIFY(QFile::exists(folder.filePath(u"Tarnwick/Tarnwick.conf"_s)));
+        const QFile::Permissions modes = QFile::permissions(folder.filePath(u"Tarnwick/Tarnwick.conf"_s));
+        QCOMPARE(modes & ~(QFile::ReadUser | QFile::WriteUser), QFile::ReadOwner | QFile::WriteOwner);
     }
 #endif
 };

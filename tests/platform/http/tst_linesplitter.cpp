@@ -40,6 +40,19 @@ private Q_SLOTS:
             QTEST(linesOf(body, size), "lines");
     }
 
+    void dropsWhatIsTooLong()
+    {
+        LineSplitter splitter(4);
+        QByteArrayList lines;
+        for (const QByteArray piece : {"abc", "d\nab", "cde", "f", "\ngh\nijkl", "m"}) {
+            splitter.append(piece);
+            while (const auto line = splitter.next())
+                lines.append(line->toByteArray());
+        }
+        QCOMPARE(lines, (QByteArrayList{"abcd", "", "gh"}));
+        QVERIFY(!splitter.rest());
+    }
+
     // Each would take minutes if a byte were looked at again with every piece or every line.
     void staysLinear()
     {

@@ -138,9 +138,6 @@ void AutostartEntry::disable()
 QString installedProgram()
 {
     const QString running = QCoreApplication::applicationFilePath();
-    const QString image = qEnvironmentVariable("APPIMAGE");
-    if (!image.isEmpty() && QFileInfo(image).isAbsolute())
-        return image;
     // A link on the search path outlives the version that it points to today.
     const QString known = QStandardPaths::findExecutable(QFileInfo(running).fileName());
     const bool same = QFileInfo(known).canonicalFilePath() == QFileInfo(running).canonicalFilePath();

@@ -23,6 +23,6 @@ private:
     const QStringList m_arguments;
 };
 
-// The program as the user has it installed: what the search path knows it by, if that is what runs, or the
-// image that it was unpacked from, else its own file.
+// The program as the user has it installed: what the search path knows it by, if that is what runs, else its
+// own file.
 QString installedProgram();
