@@ -142,9 +142,14 @@ int run(const CommandLine &launch, SingleInstance &instance)
         desktop.bringToFront();
         newChat();
     });
-    // Before the engine has told its models, a chat could have none.
-    if (launch.wish == SingleInstance::Wish::newChat)
-        QObject::connect(&state, &AppState::installedChanged, &window, newChat, Qt::SingleShotConnection);
+    if (launch.wish == SingleInstance::Wish::newChat) {
+        // Before the engine has told its models, a chat could have none; who turns to another tab meanwhile
+        // no longer waits for one.
+        auto *const wish = new QObject(&window);
+        QObject::connect(&state, &AppState::started, wish, newChat);
+        QObject::connect(&state, &AppState::started, wish, &QObject::deleteLater);
+        QObject::connect(&state, &AppState::tabChanged, wish, &QObject::deleteLater);
+    }
 
     // Also where the desktop ends the event loop, as at the end of its session.
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, &window,

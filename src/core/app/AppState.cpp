@@ -100,11 +100,15 @@ Task<> AppState::statusLoop(QPointer<AppState> self, StopToken stop)
         co_return;
     if (!self->m_engine.enginePath().isEmpty() && self->m_defaults.boolean(serverWantedKey))
         co_await self->m_engine.start();
+    if (stop.stopRequested())
+        co_return;
+    co_await self->refresh();
+    if (!stop.stopRequested())
+        Q_EMIT self->started();
     while (!stop.stopRequested()) {
-        co_await self->refresh();
-        if (stop.stopRequested())
-            co_return;
         co_await sleepFor(self->m_statusPause, stop);
+        if (!stop.stopRequested())
+            co_await self->refresh();
     }
 }
 

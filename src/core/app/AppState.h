@@ -111,6 +111,8 @@ public:
     void setSettings(const ModelSettings &settings, const QString &model);
 
 Q_SIGNALS:
+    // Once: the engine has been started, should it be wanted, and asked for its models.
+    void started();
     void tabChanged();
     void installedChanged();
     void loadedChanged();

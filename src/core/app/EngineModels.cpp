@@ -147,9 +147,6 @@ void EngineModels::setLoaded(const QList<LoadedModel> &loaded)
 
 void EngineModels::setCapabilities(const QString &name, const QStringList &capabilities)
 {
-    const auto known = m_capabilities.constFind(name);
-    if (known != m_capabilities.cend() && *known == capabilities)
-        return;
     m_capabilities.insert(name, capabilities);
     Q_EMIT capabilitiesChanged();
 }

@@ -14,7 +14,6 @@ public:
     void clear();
 
     bool endsWith(QLatin1StringView text) const { return m_text.endsWith(text); }
-    const QString &whole() const { return m_text; }
     // Without white space and line breaks at both ends. Valid until the next change.
     QStringView trimmed() const { return QStringView(m_text).sliced(m_begin, m_end - m_begin); }
 

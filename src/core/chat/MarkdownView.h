@@ -1,4 +1,5 @@
-// A Markdown-flavoured text as blocks of prose and fenced code.
+// A Markdown-flavoured text as blocks of prose and fenced code. The transcript does not go through here: it
+// lays out the lines of a text that grows, which MarkdownLines finds by the same rule.
 #pragma once
 
 #include <QList>

@@ -32,16 +32,16 @@ void ParsedReply::Read::take(QStringView text)
     end = text.last(std::min(size, remembered)).toString();
 }
 
-void ParsedReply::update(const ChatMessage &message)
+void ParsedReply::update(QStringView content, QStringView thinking)
 {
-    if (!m_content.isContinuedBy(message.content) || !m_thinking.isContinuedBy(message.thinking))
+    if (!m_content.isContinuedBy(content) || !m_thinking.isContinuedBy(thinking))
         *this = {};
     m_rest.mark();
     m_unchangedReasoning = m_reasoning.size();
-    readField(QStringView(message.thinking).sliced(m_thinking.size));
-    readContent(QStringView(message.content).sliced(m_content.size));
-    m_thinking.take(message.thinking);
-    m_content.take(message.content);
+    readField(thinking.sliced(m_thinking.size));
+    readContent(content.sliced(m_content.size));
+    m_thinking.take(thinking);
+    m_content.take(content);
     if (m_mustCompose)
         composeReasoning();
     else

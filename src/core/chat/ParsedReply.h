@@ -1,8 +1,8 @@
-// The reasoning and the answer of a message that is still arriving: what ChatMessage::parsed() says of it,
-// kept up to date at a cost that depends on what is new.
+// The split of a message into reasoning and answer, kept up to date while the message arrives at a cost that
+// depends on what is new. A reply's content may hold reasoning between "<think>" and "</think>"; a template
+// that opens the block itself leaves a closing tag alone in the text.
 #pragma once
 
-#include "core/chat/ChatMessage.h"
 #include "core/chat/GrowingText.h"
 
 #include <QStringList>
@@ -11,9 +11,9 @@
 class ParsedReply
 {
 public:
-    // Takes over `message` as it is now. What has only grown since the last call costs as much as its growth;
-    // anything else starts over.
-    void update(const ChatMessage &message);
+    // Takes over the two texts of a message as they are now. What has only grown since the last call costs as
+    // much as its growth; anything else starts over.
+    void update(QStringView content, QStringView thinking);
 
     // Valid until the next update.
     QStringView reasoning() const { return m_reasoning; }

@@ -129,7 +129,8 @@ Task<> EngineInstaller::runInstall(QPointer<EngineInstaller> self, InstallerOpti
         self->setInstallError(tr("Installation cancelled."));
     if (self && failure)
         self->setInstallError(Friendly::message(failure));
-    if (failure && course->replaced)
+    // A check that quitting has cut short says nothing about the engine.
+    if (failure && course->replaced && !quitToken().stopRequested())
         co_await removeInBackground(AppPaths::engineDir());
     co_await removeInBackground(course->workFolder);
     if (self)

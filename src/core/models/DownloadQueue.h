@@ -44,7 +44,8 @@ public:
     // Asks for a model, or resumes one that failed or was cancelled: that item goes to the end of the list.
     // `knownSize` is what the catalogue says, in bytes.
     void enqueue(const QString &name, std::optional<qint64> knownSize);
-    // Stops the running pull of that model, which stays in the list; every other item is removed.
+    // Stops the pull of that model, should it run; its item stays until it has ended. A model that is not
+    // being pulled is taken off the list.
     void cancel(const QString &name);
     // Takes the model off the list and leaves its pull, should it run, alone.
     void dismiss(const QString &name);

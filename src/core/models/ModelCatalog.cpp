@@ -69,6 +69,11 @@ QList<CatalogModel> makeModels()
 
 } // namespace
 
+size_t qHash(const CatalogModel &model, size_t seed) noexcept
+{
+    return qHashMulti(seed, model.name, model.sizeBytes, model.sizeLabel, model.bestFor, model.note);
+}
+
 const QList<CatalogModel> &ModelCatalog::models()
 {
     static const QList<CatalogModel> list = makeModels();

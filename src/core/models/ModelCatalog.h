@@ -26,6 +26,8 @@ struct CatalogModel
     bool operator==(const CatalogModel &) const = default;
 };
 
+size_t qHash(const CatalogModel &model, size_t seed = 0) noexcept;
+
 class ModelCatalog
 {
     Q_DECLARE_TR_FUNCTIONS(ModelCatalog)

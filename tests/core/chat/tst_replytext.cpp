@@ -144,7 +144,7 @@ private Q_SLOTS:
                 message.thinking = thinking.first(thinkingCuts.value(i, thinking.size()));
                 const QString answer = growing.answer().toString();
                 const QString reasoning = growing.reasoning().toString();
-                growing.update(message);
+                growing.update(message.content, message.thinking);
                 const ParsedMessage expected = referenceParsed(message);
                 QVERIFY2(message.parsed() == expected, qUtf8Printable(message.content));
                 QCOMPARE(growing.answer(), expected.answer);
@@ -163,15 +163,15 @@ private Q_SLOTS:
         ChatMessage message;
         message.thinking = u"plan"_s;
         message.content = u"An answer "_s;
-        reply.update(message);
+        reply.update(message.content, message.thinking);
         message.thinking += u" more"_s;
         message.content += u"that grows"_s;
-        reply.update(message);
+        reply.update(message.content, message.thinking);
         QCOMPARE(reply.unchangedReasoning(), qsizetype{4});
         QCOMPARE(reply.unchangedAnswer(), qsizetype{9});
         // Another text altogether.
         message.content = u"The <think>other</think> text, which is longer"_s;
-        reply.update(message);
+        reply.update(message.content, message.thinking);
         QCOMPARE(reply.answer(), u"The  text, which is longer"_s);
         QCOMPARE(reply.reasoning(), u"plan more\n\nother"_s);
     }

@@ -47,7 +47,9 @@ private Q_SLOTS:
         const QByteArrayList requests = m_installer->server.requests();
         QVERIFY(requests[0].contains("\r\nAccept: application/vnd.github+json\r\n"));
         for (const QByteArray &request : requests)
-            QVERIFY(request.contains("\r\nUser-Agent: Tarnwick\r\n"));
+            QVERIFY(request.contains("\r\nUser-Agent: Tarnwick\r\n") &&
+                    request.contains("\r\nAccept-Language: en\r\n") &&
+                    request.contains("\r\nAccept-Encoding: identity\r\n"));
     }
 
     void failures_data()
@@ -175,6 +177,19 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(!(*m_installer)->install(), 30'000);
         QCOMPARE(m_installer->sentence(), told);
         QVERIFY(m_installer->hasOldEngine() != told.isEmpty() && m_installer->isTidy());
+    }
+
+    // The check ends with the program and has found nothing wrong.
+    void quittingKeepsTheNewEngine()
+    {
+        m_installer->server.publish(InstallerUnderTest::release("while :; do :; done").compressed());
+        (*m_installer)->startInstall();
+        QTRY_VERIFY_WITH_TIMEOUT(m_installer->lines.contains(u"Checking that it runs…"_s), 30'000);
+        beginQuitting();
+        endShortLivedChildren();
+        QTRY_COMPARE_WITH_TIMEOUT(runningTasks(), 0, 30'000);
+        resumeAfterQuitting();
+        QVERIFY(QFile::exists(m_installer->installedProgram()) && m_installer->isTidy());
     }
 
     void destroyedDuringTheDownload()

@@ -46,7 +46,7 @@ std::optional<MessageRow> MessageBody::update(const ChatMessage &message)
         layOut();
         return MessageRow{MessagePart::text, 0};
     }
-    m_reply.update(message);
+    m_reply.update(message.content, message.thinking);
     const int reasoningRow = m_reasoning.update(m_reply.reasoning(), m_reply.unchangedReasoning());
     const int textRow = m_text.update(m_reply.answer(), m_reply.unchangedAnswer());
     m_links.forgetFrom(textRow);
@@ -76,11 +76,6 @@ void MessageBody::setWidth(int width)
         m_text.setWidth(m_content.size() > longText ? limit : m_text.naturalWidth(limit));
     }
     layOut();
-}
-
-void MessageBody::restyle()
-{
-    setWidth(m_width);
 }
 
 void MessageBody::layOut()

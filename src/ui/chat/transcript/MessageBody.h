@@ -2,6 +2,7 @@
 // pixels, relative to the column's upper left corner.
 #pragma once
 
+#include "core/chat/ChatMessage.h"
 #include "core/chat/ParsedReply.h"
 #include "ui/chat/transcript/FlowLinks.h"
 #include "ui/chat/transcript/MessageFacts.h"
@@ -27,8 +28,6 @@ public:
     std::optional<MessageRow> update(const ChatMessage &message);
     void setFacts(const MessageFacts &facts);
     void setWidth(int width);
-    // Lays everything out again since the style has changed.
-    void restyle();
 
     int height() const;
     bool measure(int top, int bottom);
