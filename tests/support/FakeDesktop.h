@@ -25,11 +25,10 @@ public:
     }
     void copyText(const QString &text) override { pasteboard = text; }
     void revealInFileManager(const QString &path) override { revealed.append(path); }
-    void bringToFront() override { ++broughtToFront; }
+    void bringToFront() override {}
 
     std::optional<QString> answer; // what the user picks in the next panels; nothing to cancel them
     QStringList asked;             // the proposed names and the titles of the panels shown
     QString pasteboard;
     QStringList revealed;
-    int broughtToFront = 0;
 };

@@ -51,7 +51,7 @@ inline bool sticksOut(const QWidget *widget)
 {
     const QWidget *const parent = widget->parentWidget();
     return parent && !widget->isWindow() &&
-           (widget->x() < 0 || widget->geometry().right() > parent->width()) && !canScrollSideways(widget);
+           (widget->x() < 0 || widget->geometry().right() >= parent->width()) && !canScrollSideways(widget);
 }
 
 // What is on the widget, or what a screen reader calls it; at most the beginning of it.

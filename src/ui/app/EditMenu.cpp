@@ -52,6 +52,9 @@ void EditMenu::enableFitting()
     const QWidget *focused = QApplication::focusWidget();
     const QList<QAction *> all = actions();
     for (QAction *action : all) {
+        // Neither a separator nor what others have added.
+        if (action->data().isNull())
+            continue;
         const bool edits = action->property("edits").toBool();
         action->setEnabled(focused && offers(focused, action->data().toByteArray()) &&
                            (!edits || isWritable(focused)));

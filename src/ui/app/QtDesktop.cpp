@@ -54,6 +54,10 @@ Task<Choice> QtDesktop::chooseSaveFile(QString suggestedName)
                             QCoreApplication::translate("QtDesktop", "All files (*)")});
     dialog->setDirectory(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     dialog->setDefaultSuffix(QStringLiteral("md"));
+#ifndef Q_OS_MACOS
+    // Between such marks Qt's own panel takes it for one of several names.
+    suggestedName.replace(u'"', u'\'');
+#endif
     dialog->selectFile(suggestedName);
     return choose(dialog);
 }

@@ -176,8 +176,10 @@ void SettingsView::render()
     const EngineManager &engine = m_state.engine();
     m_size->setText(m_usedBytes ? tr("Total size used: %1").arg(byteCountText(*m_usedBytes))
                                 : tr("Measuring…"));
-    if (!m_port->isModified())
-        m_port->setText(QString::number(engine.port()));
+    // Setting even the same text would drop a selection.
+    const QString port = QString::number(engine.port());
+    if (!m_port->isModified() && m_port->text() != port)
+        m_port->setText(port);
     m_restart->setEnabled(!engine.enginePath().isEmpty());
     m_login->setChecked(m_launchAtLogin);
     m_loginFailure->showText(m_loginError.value_or(QString()));

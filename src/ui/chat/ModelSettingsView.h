@@ -8,7 +8,6 @@ class ContinuousSlider;
 class PromptEditor;
 class TextLabel;
 class QComboBox;
-class QHBoxLayout;
 struct ModelSettings;
 
 // To be shown with open(); deletes itself when it closes.

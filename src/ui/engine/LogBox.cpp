@@ -24,6 +24,14 @@ qsizetype linesGone(const QStringList &before, const QStringList &after)
     return before.size();
 }
 
+// A line of the engine's stays one block of the document.
+QString inOneBlock(QString line)
+{
+    for (const char16_t boundary : {u'\u2029', u'\uFDD0', u'\uFDD1'})
+        line.replace(boundary, QChar::LineSeparator);
+    return line;
+}
+
 } // namespace
 
 LogBox::LogBox(QWidget *parent) : QPlainTextEdit(parent)
@@ -89,7 +97,7 @@ void LogBox::append(const QStringList &lines)
     constexpr qsizetype longest = 8000;
     QStringList shown;
     for (const QString &line : lines)
-        shown.append(shortened(line, longest));
+        shown.append(inOneBlock(shortened(line, longest)));
     cursor.insertText(shown.join(QLatin1Char('\n')));
     // One that reached to the end would otherwise grow with it.
     selection.setPosition(anchor);

@@ -4,7 +4,6 @@
 
 #include "ui/widgets/ScrollPage.h"
 
-#include <QHash>
 #include <QList>
 #include <QString>
 

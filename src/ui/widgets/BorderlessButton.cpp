@@ -4,8 +4,6 @@
 #include "ui/widgets/PlainText.h"
 #include "ui/widgets/SymbolIcon.h"
 
-#include <QApplication>
-#include <QEvent>
 #include <QStyleOptionToolButton>
 #include <QStylePainter>
 
@@ -17,7 +15,7 @@ constexpr int gap = 6;  // between them
 } // namespace
 
 BorderlessButton::BorderlessButton(const QString &symbol, const QString &name, QWidget *parent)
-    : QToolButton(parent), m_symbol(symbol)
+    : QToolButton(parent)
 {
     setAutoRaise(true);
     setFocusPolicy(Qt::StrongFocus);
@@ -34,14 +32,6 @@ BorderlessButton::BorderlessButton(const QString &text, TextStyle style, QWidget
     setFocusPolicy(Qt::StrongFocus);
     setText(withoutMnemonics(text));
     connect(&AppearanceWatch::shared(), &AppearanceWatch::fontChanged, this, &BorderlessButton::applyStyle);
-    applyStyle();
-}
-
-void BorderlessButton::setTint(Tint tint)
-{
-    m_tint = tint;
-    if (!m_symbol.isEmpty())
-        setIcon(SymbolIcon::icon(m_symbol, tint));
     applyStyle();
 }
 
@@ -87,23 +77,8 @@ void BorderlessButton::paintEvent(QPaintEvent *event)
                          text(), QPalette::ButtonText);
 }
 
-void BorderlessButton::changeEvent(QEvent *event)
-{
-    if (event->type() == QEvent::PaletteChange)
-        applyStyle();
-    QToolButton::changeEvent(event);
-}
-
 void BorderlessButton::applyStyle()
 {
     if (const QFont font = styledFont(m_style); this->font() != font)
         setFont(font);
-    if (m_tint == Tint::text)
-        return;
-    QPalette tinted;
-    const QColor color = tintColor(m_tint, QApplication::palette());
-    tinted.setColor(QPalette::Active, QPalette::ButtonText, color);
-    tinted.setColor(QPalette::Inactive, QPalette::ButtonText, color);
-    if (palette().color(QPalette::Active, QPalette::ButtonText) != color)
-        setPalette(tinted);
 }

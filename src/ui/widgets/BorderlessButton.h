@@ -2,7 +2,6 @@
 #pragma once
 
 #include "ui/widgets/TextStyle.h"
-#include "ui/widgets/Tint.h"
 
 #include <QToolButton>
 
@@ -15,7 +14,6 @@ public:
     BorderlessButton(const QString &symbol, const QString &name, QWidget *parent = nullptr);
     BorderlessButton(const QString &text, TextStyle style, QWidget *parent = nullptr);
 
-    void setTint(Tint tint);
     // Words beside the icon, which are the button's name from then on; its tooltip stays.
     void setWords(const QString &words);
 
@@ -23,13 +21,10 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
     void applyStyle();
 
-    QString m_symbol;
     TextStyle m_style = TextStyle::body;
-    Tint m_tint = Tint::text;
 };

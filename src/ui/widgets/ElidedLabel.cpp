@@ -6,7 +6,24 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include <algorithm>
 #include <cmath>
+
+namespace {
+
+// Several blanks may be part of a name, so only what is no blank becomes one.
+QString inOneLine(QString text)
+{
+    const auto breaks = [](QChar character) {
+        return character.category() == QChar::Other_Control ||
+               character.category() == QChar::Separator_Line ||
+               character.category() == QChar::Separator_Paragraph;
+    };
+    std::replace_if(text.begin(), text.end(), breaks, QChar(QChar::Space));
+    return text;
+}
+
+} // namespace
 
 void ElidedLabel::setElideMode(Qt::TextElideMode mode)
 {
@@ -17,7 +34,7 @@ void ElidedLabel::setElideMode(Qt::TextElideMode mode)
 // Measuring text takes time by its length, and nobody could read more anyway.
 QString ElidedLabel::line() const
 {
-    return shortened(text()).simplified();
+    return inOneLine(shortened(text()));
 }
 
 QString ElidedLabel::shown() const
@@ -40,7 +57,7 @@ QSize ElidedLabel::minimumSizeHint() const
 bool ElidedLabel::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
-        const bool cut = shown() != text().simplified();
+        const bool cut = shown() != inOneLine(text());
         QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(),
                            cut ? plainToolTip(shortened(text())) : QString(), this);
         return true;

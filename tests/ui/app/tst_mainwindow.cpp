@@ -96,6 +96,7 @@ private Q_SLOTS:
         onscreen::find<QLabel>(app.find<ServerView>(), address)->setFocus();
         QMap<QString, QAction *> edit = entries(app.window(), u"&Edit"_s);
         QVERIFY(edit[u"&Copy"_s]->isEnabled() && !edit[u"Cu&t"_s]->isEnabled());
+        QVERIFY(edit[u"&Find in Chats"_s]->isEnabled());
         edit[u"Select &All"_s]->trigger();
         edit[u"&Copy"_s]->trigger();
         QCOMPARE(QApplication::clipboard()->text(), address);

@@ -32,9 +32,9 @@ private Q_SLOTS:
         QWidget window;
         QtDesktop desktop;
         desktop.setMainWindow(&window);
-        Task<Choice> choice = desktop.chooseSaveFile(u"Trip.md"_s);
+        Task<Choice> choice = desktop.chooseSaveFile(u"The \"Trip\".md"_s);
         QVERIFY(panel(window)->isVisible());
-        QCOMPARE(QFileInfo(panel(window)->selectedFiles().first()).fileName(), u"Trip.md"_s);
+        QCOMPARE(QFileInfo(panel(window)->selectedFiles().first()).fileName(), u"The 'Trip'.md"_s);
         panel(window)->setDirectory(folder.path());
         auto *name = panel(window)->findChild<QLineEdit *>();
         name->setText(u"notes"_s);

@@ -66,8 +66,13 @@ private Q_SLOTS:
         app->engine().setPort(11501);
         QTRY_COMPARE(portField(app)->text(), u"11501"_s);
 
-        // What is being typed stays.
+        // What is selected, or being typed, stays.
         portField(app)->setFocus();
+        portField(app)->selectAll();
+        app.sandbox.defaults().set(u"showMenuBar"_s, false);
+        QTRY_VERIFY(!app.button(u"Show status in the menu bar"_s)->isChecked());
+        QVERIFY(portField(app)->hasSelectedText());
+        portField(app)->deselect();
         QTest::keyClicks(portField(app), u"9"_s);
         const QString typed = portField(app)->text();
         app->engine().setPort(11502);

@@ -1,5 +1,8 @@
 #include "support/ShownTranscript.h"
 #include "support/Table.h"
+#include "ui/chat/transcript/InlineMarkdown.h"
+#include "ui/chat/transcript/ParagraphLayout.h"
+#include "ui/chat/transcript/TranscriptStyle.h"
 
 #include <QScrollBar>
 
@@ -109,7 +112,7 @@ private Q_SLOTS:
             shown.grow(u"word word word\n"_s);
             QCOMPARE(bar->value(), bar->maximum());
         }
-        // As given, scrolling back lasts until the next chunk.
+        // Scrolling back lasts until the next chunk.
         QTest::keyClick(&shown.view, Qt::Key_PageUp);
         QVERIFY(bar->value() < bar->maximum());
         shown.grow(u"x"_s);
@@ -118,6 +121,18 @@ private Q_SLOTS:
         const int place = bar->value();
         shown.show(false);
         QCOMPARE(bar->value(), place);
+    }
+
+    void codeIsAsLargeAsItsHeading()
+    {
+        const TranscriptStyle style(QApplication::palette());
+        const auto widthIn = [&style](const QFont &font) {
+            ParagraphLayout layout({font, style.codeInline, style.link}, 10'000);
+            layout.setText(inlineMarkdown(u"`mmmmmmmmmm`"_s));
+            return layout.naturalWidth();
+        };
+        QVERIFY(widthIn(style.title2) > widthIn(style.title3));
+        QVERIFY(widthIn(style.title3) > widthIn(style.body));
     }
 
     void waitsWhileAButtonIsHeld()
@@ -139,6 +154,12 @@ private Q_SLOTS:
             QCOMPARE(bar->value(), place);
             QTest::mouseRelease(held, Qt::LeftButton, {}, point);
             shown.settle();
+            QCOMPARE(bar->value(), bar->maximum());
+            if (!onBar)
+                continue;
+            // The bar's own menu takes the release.
+            QTest::mousePress(bar, Qt::RightButton, {}, point);
+            shown.grow(u"\nmore"_s);
             QCOMPARE(bar->value(), bar->maximum());
         }
     }

@@ -6,6 +6,7 @@
 #include <QDesktopServices>
 #include <QLineEdit>
 #include <QScrollBar>
+#include <QToolTip>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -43,7 +44,8 @@ class TranscriptInputTest : public QObject
 {
     Q_OBJECT
 
-    const QStringList m_schemes = {u"http"_s, u"https"_s, u"mailto"_s, u"file"_s, u"javascript"_s, u"ftp"_s};
+    const QStringList m_schemes = {u"http"_s,       u"https"_s, u"mailto"_s, u"file"_s,
+                                   u"javascript"_s, u"ftp"_s,   u""_s};
     QStringList m_opened;
 
 public Q_SLOTS:
@@ -169,6 +171,11 @@ private Q_SLOTS:
         shown.click(shown.place(0, 0, 8));
         shown.click(shown.place(0, 0, 400)); // beside it
         QTEST(m_opened, "opened");
+        const QPoint onLink = shown.place(0, 0, 8);
+        QHelpEvent help(QEvent::ToolTip, onLink, shown.view.viewport()->mapToGlobal(onLink));
+        QCoreApplication::sendEvent(shown.view.viewport(), &help);
+        if (!m_opened.isEmpty())
+            QCOMPARE(QUrl(QToolTip::text()), QUrl(m_opened.first()));
         m_opened.clear();
         QTest::keyClick(&shown.view, Qt::Key_Tab); // to the link, or else to the first button
         QTest::keyClick(&shown.view, Qt::Key_Return);
@@ -267,6 +274,8 @@ private Q_SLOTS:
         QCOMPARE(box.scrolled(), 40);
         wheel({0, -40}, shown.place(0, 1, 50), Qt::ShiftModifier);
         QCOMPARE(box.scrolled(), 80);
+        wheel({-40, 0}, shown.place(0, 1, 50), Qt::ShiftModifier);
+        QCOMPARE(box.scrolled(), 120);
         wheel({500, 0}, shown.place(0, 1, 50), {});
         QCOMPARE(box.scrolled(), 0);
         const TranscriptLayout &layout = shown.view.transcript();

@@ -109,14 +109,15 @@ private Q_SLOTS:
     void logShowsTheLinesThereAre()
     {
         const QString endless(1 << 20, u'b');
-        const QList<QStringList> states{{u"a"_s, u"a"_s, u"b"_s}, {u"a"_s, u"b"_s}, {u"b"_s, endless},
-                                        {endless, u"c"_s},        {u"d"_s},         {}};
+        const QList<QStringList> states{
+            {u"a"_s, u"a"_s, u"b"_s}, {u"a"_s, u"b"_s},        {u"b"_s, endless}, {endless, u"c"_s},
+            {u"d\u2029d"_s},          {u"d\u2029d"_s, u"e"_s}, {u"e"_s, u"f"_s},  {}};
         LogBox box;
         for (const QStringList &lines : states) {
             box.showLines(lines);
             QStringList shown;
             for (const QString &line : lines)
-                shown.append(shortened(line, 8000));
+                shown.append(shortened(line, 8000).replace(u'\u2029', u'\n'));
             QCOMPARE(box.toPlainText(), shown.join(u'\n'));
         }
     }

@@ -189,9 +189,12 @@ private Q_SLOTS:
         QTRY_VERIFY(onscreen::shows(&gone, failure) && !onscreen::shows(&gone, u"Loading details"_s));
 
         // One that closes before the answer, and takes the request with it.
-        app.demo.setFaults(u"stall=0"_s);
+        app.demo.setFaults(u"stall-early"_s);
         std::optional<ModelDetailsView> early(std::in_place, app.demo.port(), u"qwen3:4b"_s, nullptr);
+        const auto last = [&app] { return app.demo.requests(u"/api/show"_s).last().toObject(); };
+        QTRY_COMPARE(last()["state"_L1], u"running"_s);
         early.reset();
+        QTRY_COMPARE(last()["state"_L1], u"cut"_s);
     }
 
     void bestPickAndFit()

@@ -44,7 +44,6 @@ public:
 
     int count() const { return static_cast<int>(m_rows.size()); }
     const Row &row(int index) const { return m_rows[static_cast<size_t>(index)]; }
-    QStringView text() const { return m_text; }
     // The line of the text that stands in the row; empty for the footer of an open block.
     QStringView line(int row) const;
 

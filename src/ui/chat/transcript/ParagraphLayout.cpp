@@ -24,6 +24,17 @@ qsizetype firstDifference(const StyledText::Run &a, const StyledText::Run &b)
     return std::min(a.start, b.start);
 }
 
+// A code span in a heading is as large and as bold as the heading.
+QFont inSizeOf(const QFont &text, QFont code)
+{
+    if (text.pointSizeF() > 0)
+        code.setPointSizeF(text.pointSizeF());
+    else
+        code.setPixelSize(text.pixelSize());
+    code.setBold(text.bold());
+    return code;
+}
+
 void breakIntoLines(QTextLayout &layout, int width)
 {
     int y = 0;
@@ -172,7 +183,8 @@ QList<QTextLayout::FormatRange> ParagraphLayout::formats(qsizetype start, qsizet
 
 QTextCharFormat ParagraphLayout::format(const StyledText::Run &run) const
 {
-    QFont font = run.emphases.testFlag(StyledText::code) ? m_style.codeFont : m_style.font;
+    QFont font =
+        run.emphases.testFlag(StyledText::code) ? inSizeOf(m_style.font, m_style.codeFont) : m_style.font;
     if (run.emphases.testFlag(StyledText::emphasis))
         font.setItalic(true);
     if (run.emphases.testFlag(StyledText::strong))

@@ -172,8 +172,9 @@ void Transcript::mouseReleaseEvent(QMouseEvent *event)
 
 bool Transcript::eventFilter(QObject *watched, QEvent *event)
 {
+    // The right button opens the bar's menu, which takes the release.
     if (watched == verticalScrollBar() && event->type() == QEvent::MouseButtonPress)
-        setHeld(true);
+        setHeld(static_cast<QMouseEvent *>(event)->button() != Qt::RightButton);
     else if (watched == verticalScrollBar() && event->type() == QEvent::MouseButtonRelease)
         setHeld(false);
     return TranscriptCanvas::eventFilter(watched, event);
@@ -199,7 +200,8 @@ bool Transcript::showLinkTip(const QHelpEvent &event)
 void Transcript::wheelEvent(QWheelEvent *event)
 {
     QPoint distance = event->pixelDelta().isNull() ? event->angleDelta() / 2 : event->pixelDelta();
-    if (event->modifiers().testFlag(Qt::ShiftModifier))
+    // Some systems have turned it by then.
+    if (event->modifiers().testFlag(Qt::ShiftModifier) && distance.x() == 0)
         distance = distance.transposed();
     const TranscriptHit hit = TranscriptHit::at(state().layout, event->position().toPoint());
     if (qAbs(distance.x()) <= qAbs(distance.y()))

@@ -51,7 +51,6 @@ public:
     MessageBody &body(int index);
     int top() const { return m_top; }
     int end() const; // the last position
-    bool isAtEnd() const { return m_place.isEnd; }
     // From top to bottom, as of the last settle().
     const std::vector<VisibleRow> &visible() const { return m_visible; }
 

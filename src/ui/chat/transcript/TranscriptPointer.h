@@ -8,7 +8,6 @@
 #include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QObject>
-#include <QUrl>
 
 class QMouseEvent;
 class QWidget;

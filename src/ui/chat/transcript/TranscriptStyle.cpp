@@ -3,7 +3,6 @@
 #include "ui/widgets/TextStyle.h"
 #include "ui/widgets/Tint.h"
 
-#include <QFontDatabase>
 #include <QFontMetrics>
 #include <QTextLayout>
 #include <QtMath>

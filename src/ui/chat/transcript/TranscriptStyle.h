@@ -18,7 +18,7 @@ struct TranscriptStyle
     QFont callout;
     QFont caption;
     QFont code;       // of code blocks
-    QFont codeInline; // of code spans, in the size of the text around them
+    QFont codeInline; // of code spans; those in headings take the size of the heading
 
     QColor text;
     QColor secondary;
