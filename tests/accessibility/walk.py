@@ -173,7 +173,7 @@ def main():
     walk(program, "guide", list_all, faults)
     program.act("Skip the guide")
     wait_for("the engine", lambda: program.find("Running"))
-    wait_for("the models", lambda: program.find("my-own:1b") or program.find("Models"))
+    wait_for("the models", lambda: program.find("my-own:1b"))
     walk(program, "models", list_all, faults)
     program.act("Download")
     wait_for("a download", lambda: program.find("Cancel"))
