@@ -55,8 +55,8 @@ LowerCaseSearch::LowerCaseSearch(const QString &text) : m_query(text.toLower())
         return letter == dotAbove || letter == QChar::ReplacementCharacter ||
                (QChar::requiresSurrogates(letter) && QChar::toUpper(letter) != letter);
     });
-    m_unitByUnit =
-        isPlain && spell(m_query.front().unicode(), m_first) && spell(m_query.back().unicode(), m_last);
+    m_unitByUnit = isPlain && spell(m_query.back().unicode(), m_last) &&
+                   (m_query.size() == 1 || spell(m_query.front().unicode(), m_first));
     // The dot of such a letter is in no query that comes here, so only a query's end can meet its i.
     if (m_query.back() == u'i')
         m_last.back() = dottedCapitalI;

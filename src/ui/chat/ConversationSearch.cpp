@@ -12,6 +12,9 @@ bool ConversationSearch::setText(const QString &text)
     const LowerCaseSearch next(trimmedOfBlanks(text));
     if (next.query() == m_search.query())
         return false;
+    // A search for nothing finds everything, which says nothing about the next.
+    if (isBlank())
+        m_found.clear();
     // What lacks a part of a text lacks the text, and what has the text has its parts.
     const bool longer = next.query().contains(m_search.query());
     const bool shorter = m_search.query().contains(next.query());
