@@ -1,4 +1,5 @@
 #include "support/DesktopTray.h"
+#include "support/DesktopWindow.h"
 #include "support/OwnSession.h"
 #include "support/TestFolder.h"
 
@@ -7,41 +8,11 @@
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
+using namespace desktopwindow;
 
 namespace {
 
 constexpr int patience = 60'000; // ms
-
-QString xdotool(const QStringList &arguments)
-{
-    QProcess tool;
-    tool.start(u"xdotool"_s, arguments);
-    if (!tool.waitForFinished(patience))
-        qFatal("xdotool does not end");
-    return QString::fromUtf8(tool.readAllStandardOutput()).trimmed();
-}
-
-// The program's window while it can be seen; empty otherwise.
-QString shownWindow()
-{
-    return xdotool({u"search"_s, u"--onlyvisible"_s, u"--name"_s, u"^Tarnwick$"_s});
-}
-
-bool showsWindow()
-{
-    return !shownWindow().isEmpty();
-}
-
-bool isInPlace()
-{
-    const QString place = xdotool({u"getwindowgeometry"_s, u"--shell"_s, shownWindow()});
-    return place.contains("X=60\nY=40\nWIDTH=1020\nHEIGHT=740"_L1);
-}
-
-void press(const QString &keys)
-{
-    xdotool({u"windowfocus"_s, shownWindow(), u"key"_s, keys});
-}
 
 } // namespace
 
@@ -103,11 +74,8 @@ private Q_SLOTS:
 
     void withoutATrayItQuitsAndComesBackInItsPlace()
     {
-        // Asked for until it is so: a window that has just come may still be placing itself.
         const auto isPut = [] {
-            const QString window = shownWindow();
-            xdotool(
-                {u"windowsize"_s, window, u"1020"_s, u"740"_s, u"windowmove"_s, window, u"60"_s, u"40"_s});
+            putInPlace();
             return isInPlace();
         };
         QTRY_VERIFY_WITH_TIMEOUT(isPut(), patience);

@@ -1,5 +1,6 @@
 #include "core/chat/ChatStore.h"
 #include "support/RandomText.h"
+#include "support/ReferenceSearch.h"
 #include "ui/chat/ConversationListModel.h"
 
 #include <QAbstractItemModelTester>
@@ -16,19 +17,6 @@ QList<QUuid> shown(const ConversationListModel &model)
     QList<QUuid> ids;
     for (int row = 0; row < model.rowCount(); ++row)
         ids.append(model.idAt(model.index(row)));
-    return ids;
-}
-
-QList<QUuid> found(const ChatStore &store, const QString &query)
-{
-    QList<QUuid> ids;
-    for (const Conversation &conversation : store.conversations()) {
-        bool matches = conversation.title.toLower().contains(query);
-        for (const ChatMessage &message : conversation.messages)
-            matches = matches || message.content.toLower().contains(query);
-        if (matches)
-            ids.append(conversation.id);
-    }
     return ids;
 }
 
@@ -105,7 +93,7 @@ private Q_SLOTS:
                 search += letters.text(1);
             }
             model.setSearch(search);
-            QTRY_COMPARE(shown(model), found(store, search.trimmed().toLower()));
+            QTRY_COMPARE(shown(model), referenceSearch(store, search.trimmed().toLower()));
         }
     }
 
@@ -128,7 +116,7 @@ private Q_SLOTS:
         store.rename(early, u"Here!"_s);
         store.deleteConversation(late);
         add(store, u"e!"_s, {});
-        QTRY_COMPARE(shown(model), found(store, u"e!"_s));
+        QTRY_COMPARE(shown(model), referenceSearch(store, u"e!"_s));
         QCOMPARE(model.rowCount(), 4);
         QVERIFY(outdated.size() > 10);
     }

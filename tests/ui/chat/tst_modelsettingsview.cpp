@@ -1,61 +1,16 @@
 #include "support/AppUnderTest.h"
 #include "support/InputMethod.h"
-#include "support/OnScreen.h"
+#include "support/ModelSettingsOnScreen.h"
 #include "support/Table.h"
-#include "ui/chat/ModelSettingsView.h"
-#include "ui/chat/PromptEditor.h"
-#include "ui/widgets/ContinuousSlider.h"
 
 #include <QAccessible>
 #include <QClipboard>
-#include <QComboBox>
-#include <QListView>
 #include <QMimeData>
 #include <QSignalSpy>
 
 #include <cmath>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-struct Sheet
-{
-    explicit Sheet(AppState &state, const QString &name = u"gemma3:4b"_s)
-        : app(state), model(name), view(new ModelSettingsView(state, name, &window))
-    {
-        window.show();
-        view->open();
-    }
-
-    auto *prompt() const { return onscreen::find<PromptEditor>(view, u"System prompt"_s); }
-    auto *slider(const QString &name) const { return onscreen::find<ContinuousSlider>(view, name); }
-    auto *picker(const QString &name) const { return onscreen::find<QComboBox>(view, name); }
-    ModelSettings stored() const { return app.settings(model); }
-    bool showsDefaults() const
-    {
-        return prompt()->toPlainText().isEmpty() && onscreen::shows(view, u"0.80"_s) &&
-               onscreen::shows(view, u"0.90"_s) &&
-               picker(u"Context length"_s)->currentText() == "4096 tokens"_L1 &&
-               picker(u"Keep loaded"_s)->currentText() == "5 minutes"_L1;
-    }
-
-    AppState &app;
-    const QString model;
-    QWidget window;
-    QPointer<ModelSettingsView> view;
-};
-
-void choose(QComboBox *picker, const QString &entry)
-{
-    picker->showPopup();
-    QTest::keyClick(picker->view(), Qt::Key_Home);
-    for (int step = picker->findText(entry); step > 0; --step)
-        QTest::keyClick(picker->view(), Qt::Key_Down);
-    QTest::keyClick(picker->view(), Qt::Key_Return);
-}
-
-} // namespace
 
 class ModelSettingsViewTest : public QObject
 {
@@ -85,7 +40,7 @@ private Q_SLOTS:
         QFETCH(const QString, input);
         QFETCH(const ModelSettings, stored);
         AppUnderTest app;
-        const Sheet sheet(*app);
+        const ModelSettingsOnScreen sheet(*app);
         if (auto *const slider = sheet.slider(control))
             QTest::keySequence(slider, QKeySequence(input));
         else if (auto *const picker = sheet.picker(control))
@@ -98,7 +53,7 @@ private Q_SLOTS:
     void typingAndComposing()
     {
         AppUnderTest app;
-        const Sheet sheet(*app);
+        const ModelSettingsOnScreen sheet(*app);
         PromptEditor *prompt = sheet.prompt();
         QTest::keyClicks(prompt, u"ac"_s);
         QGuiApplication::clipboard()->setMimeData(new QMimeData);
@@ -125,7 +80,7 @@ private Q_SLOTS:
     void slidersStoreWhatTheyReach()
     {
         AppUnderTest app;
-        const Sheet sheet(*app);
+        const ModelSettingsOnScreen sheet(*app);
         ContinuousSlider *slider = sheet.slider(u"Temperature"_s);
         QTest::keyClick(slider, Qt::Key_Home);
         const int middle = slider->height() / 2;
@@ -150,7 +105,7 @@ private Q_SLOTS:
         AppUnderTest app;
         ModelSettings odd{u"one\r\ntwo\rthree\u2028four\u00a0"_s, 0.1234567891, 7.5, 6000, 7};
         app->setSettings(odd, u"gemma3:4b"_s);
-        const Sheet sheet(*app);
+        const ModelSettingsOnScreen sheet(*app);
         QCOMPARE(sheet.picker(u"Context length"_s)->currentIndex(), -1);
         QCOMPARE(sheet.picker(u"Keep loaded"_s)->currentIndex(), -1);
         QVERIFY(onscreen::shows(sheet.view, u"0.12"_s) && onscreen::shows(sheet.view, u"7.50"_s));
@@ -160,7 +115,7 @@ private Q_SLOTS:
         QCOMPARE(sheet.stored(), odd);
 
         // Another model has the defaults, and choosing one of them anew stores nothing.
-        const Sheet other(*app, u"gemma3"_s);
+        const ModelSettingsOnScreen other(*app, u"gemma3"_s);
         QVERIFY(other.showsDefaults());
         choose(other.picker(u"Keep loaded"_s), u"5 minutes"_s);
         QCOMPARE(app->modelSettings().size(), 1);
@@ -170,7 +125,7 @@ private Q_SLOTS:
     {
         AppUnderTest app;
         app->setSettings({u"Be brief"_s, 1.5, 0.1, 8192, -1}, u"gemma3:4b"_s);
-        const Sheet sheet(*app);
+        const ModelSettingsOnScreen sheet(*app);
         QCOMPARE(sheet.prompt()->toPlainText(), u"Be brief"_s);
         onscreen::click(sheet.view, u"Reset to defaults"_s);
         QCOMPARE(app->modelSettings(), (ModelSettingsMap{{sheet.model, {}}}));

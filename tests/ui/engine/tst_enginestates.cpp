@@ -1,14 +1,6 @@
-#include "platform/tray/TrayHost.h"
 #include "support/AllTexts.h"
-#include "support/AppWithItsEngine.h"
-#include "support/NoLoginItem.h"
-#include "support/OnScreen.h"
+#include "support/EngineSurfaces.h"
 #include "support/Table.h"
-#include "ui/app/SettingsView.h"
-#include "ui/app/StatusItem.h"
-#include "ui/engine/EngineBanner.h"
-#include "ui/engine/ServerToolbar.h"
-#include "ui/engine/ServerView.h"
 
 #include <QTcpServer>
 
@@ -17,44 +9,7 @@
 using namespace Qt::StringLiterals;
 using State = EngineManager::State;
 
-namespace {
-
-// All that shows the engine's state and changes it.
-struct Surfaces
-{
-    explicit Surfaces(AppWithItsEngine &app)
-        : toolbar(*app, app.desktop),
-          view(*app, app.desktop),
-          banner(*app),
-          settings(*app, app.desktop, app.sandbox.defaults(), loginItem),
-          item(*app, app.desktop, app.sandbox.defaults(), host)
-    {
-        for (QWidget *widget : std::initializer_list<QWidget *>{&toolbar, &view, &banner, &settings})
-            widget->show();
-    }
-
-    QAbstractButton *onOff() const { return onscreen::find<QAbstractButton>(&toolbar, u"Local server"_s); }
-    QList<QAction *> menu() { return item.menu().actions(); }
-    // Stops or starts by the status item's menu.
-    void chooseInMenu()
-    {
-        item.menu().popup({});
-        const QRect place = item.menu().actionGeometry(menu().at(1));
-        QTest::mouseClick(&item.menu(), Qt::LeftButton, {}, place.center());
-    }
-
-    NoLoginItem loginItem;
-    TrayHost host;
-    ServerToolbar toolbar;
-    ServerView view;
-    EngineBanner banner;
-    SettingsView settings;
-    StatusItem item;
-};
-
 using Press = std::function<void()>;
-
-} // namespace
 
 class EngineStatesTest : public QObject
 {
@@ -89,7 +44,7 @@ private Q_SLOTS:
         if (kind == State::failed)
             app.sandbox.defaults().set(u"port"_s, static_cast<int>(other.serverPort()));
         app.launch();
-        Surfaces shown(app);
+        EngineSurfaces shown(app);
         QTRY_COMPARE(app->engine().state().kind, kind);
         QTRY_VERIFY(onscreen::shows(&shown.toolbar, status));
 
@@ -129,7 +84,7 @@ private Q_SLOTS:
     {
         AppWithItsEngine app;
         app.launch();
-        Surfaces shown(app);
+        EngineSurfaces shown(app);
         const auto switchOver = [&] { onscreen::click(&shown.toolbar, u"Local server"_s); };
         const auto stopInView = [&] { onscreen::click(&shown.view, u"Stop server"_s); };
         const auto startInView = [&] { onscreen::click(&shown.view, u"Start server"_s); };

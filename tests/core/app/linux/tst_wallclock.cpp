@@ -1,61 +1,19 @@
 #include "support/AppUnderTest.h"
+#include "support/WallClock.h"
 
 #include <QSet>
 #include <QTest>
 
-#include <atomic>
-#include <ctime>
-
-#include <sys/syscall.h>
-#include <sys/time.h>
-#include <unistd.h>
-
 using namespace Qt::StringLiterals;
 using Kind = EngineManager::State::Kind;
-
-namespace {
-
-constexpr time_t hour = 3600;
-
-std::atomic<time_t> shift = 0; // seconds
-
-} // namespace
-
-// These stand in front of the C library's for the whole process, Qt included: the time of day can be set
-// without touching the machine's, and the clock that only runs forward stays as it is.
-extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
-{
-    const auto result = static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
-    if (result == 0 && (clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE))
-        time->tv_sec += shift;
-    return result;
-}
-
-extern "C" int gettimeofday(timeval *time, void *) noexcept
-{
-    timespec now = {};
-    clock_gettime(CLOCK_REALTIME, &now);
-    *time = {now.tv_sec, now.tv_nsec / 1000};
-    return 0;
-}
 
 // The user, or the network, sets the clock while things are under way.
 class WallClockTest : public QObject
 {
     Q_OBJECT
 
-    // The clock as the program sees it is so far from the machine's.
-    static void set(int hours)
-    {
-        const QDateTime before = QDateTime::currentDateTimeUtc();
-        const time_t change = hours * hour - shift;
-        shift = hours * hour;
-        const qint64 moved = before.secsTo(QDateTime::currentDateTimeUtc());
-        QVERIFY2(qAbs(moved - change) < hour / 2, "the clock cannot be set here");
-    }
-
 private Q_SLOTS:
-    void init() { shift = 0; }
+    void init() { wallclock::set(0); }
 
     void underWay_data()
     {
@@ -82,14 +40,14 @@ private Q_SLOTS:
         app->send(u"echo "_s + text, id);
         QTRY_VERIFY(!app.contents(id).value(1).isEmpty());
         speeds.clear();
-        set(hours);
+        wallclock::set(hours);
 
         QVERIFY(app.replyEnds());
         const auto saved = app.saved(id);
         QCOMPARE(saved->messages.last().content, text);
         const double rate = saved->messages.last().tokensPerSecond.value_or(0);
         QVERIFY(rate > 0 && rate < 10'000);
-        const double moved = static_cast<double>(saved->createdAt.secsTo(saved->updatedAt)) / hour;
+        const double moved = static_cast<double>(saved->createdAt.secsTo(saved->updatedAt)) / wallclock::hour;
         QCOMPARE(qRound(moved), hours);
 
         QTRY_VERIFY_WITH_TIMEOUT(app->isInstalled(u"m"_s) && app->queue().items().isEmpty(), 60'000);
@@ -100,7 +58,7 @@ private Q_SLOTS:
 
         // Nor does the status loop mind, or the start of an engine.
         app->setServer(false);
-        set(-hours);
+        wallclock::set(-hours);
         app->setServer(true);
         QTRY_COMPARE(app->engine().state().kind, Kind::running);
         app.addModel(u"a"_s);
@@ -119,15 +77,15 @@ private Q_SLOTS:
         };
         const QUuid first = app.newConversation();
         const QUuid second = app.newConversation();
-        set(-5);
+        wallclock::set(-5);
         QVERIFY(app.isAnswered(u"Hi"_s, first));
         QCOMPARE(ids(), QList<QUuid>({second, first}));
-        set(-4);
+        wallclock::set(-4);
         const QUuid third = app.newConversation();
         QCOMPARE(ids(), QList<QUuid>({third, second, first}));
         QVERIFY(app.isAnswered(u"Hi"_s, third));
         QCOMPARE(ids(), QList<QUuid>({second, third, first}));
-        set(5);
+        wallclock::set(5);
         QVERIFY(app.isAnswered(u"Hi"_s, first) && app.saved(first));
         app.launch();
         QCOMPARE(ids(), QList<QUuid>({first, second, third}));

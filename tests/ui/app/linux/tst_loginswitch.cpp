@@ -2,32 +2,15 @@
 #include "support/SettingsOnScreen.h"
 #include "support/SmallVolume.h"
 #include "support/TestFolder.h"
+#include "support/Unprivileged.h"
 
 #include <sys/mount.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr uid_t stranger = 65534;
 const QString failure = u"Could not change this setting: "_s;
-
-// Acts as a user who owns nothing, where the test runs as the superuser, whom permissions do not stop.
-class Unprivileged
-{
-public:
-    Unprivileged() : m_is(geteuid() != 0 || seteuid(stranger) == 0) {}
-    ~Unprivileged()
-    {
-        if (getuid() == 0) [[maybe_unused]]
-            const int back = seteuid(0);
-    }
-    bool is() const { return m_is; }
-
-private:
-    const bool m_is;
-};
 
 } // namespace
 
