@@ -2,6 +2,7 @@
 // tells how much more memory the one needed than the other, and how long the main thread was away from its
 // event loop at most: in all, which counts the times when other threads had its processor, and with work of
 // its own. The server is one more process; its certificate comes from the openssl command.
+#include "Figures.h"
 #include "core/engine/FileDownloader.h"
 #include "core/engine/InstallStatus.h"
 #include "core/models/SpeedMeter.h"
@@ -20,7 +21,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <utility>
 
 #include <sys/resource.h>
@@ -114,14 +114,6 @@ double milliseconds(const QElapsedTimer &clock)
     return static_cast<double>(clock.nsecsElapsed()) / 1e6;
 }
 
-// That this thread has had of the processor.
-double ownMilliseconds()
-{
-    timespec time = {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
 Task<> fetch(QString folder, QUrl url, bool *done)
 {
     FileDownloader downloader(folder + "/archive"_L1);
@@ -149,7 +141,7 @@ int download(const QString &folder, const QString &port, const QString &bytes)
     const Task<> fetching = fetch(folder, QUrl(u"https://127.0.0.1:%1/%2"_s.arg(port, bytes)), &done);
     QElapsedTimer sinceTick;
     sinceTick.start();
-    double workAtTick = ownMilliseconds();
+    double workAtTick = threadTime();
     double longestGap = 0;
     double longestWork = 0;
     QTimer tick;
@@ -157,7 +149,7 @@ int download(const QString &folder, const QString &port, const QString &bytes)
     QObject::connect(&tick, &QTimer::timeout, &tick, [&] {
         longestGap = std::max(longestGap, milliseconds(sinceTick));
         sinceTick.restart();
-        const double work = ownMilliseconds();
+        const double work = threadTime();
         longestWork = std::max(longestWork, work - std::exchange(workAtTick, work));
         if (done)
             QCoreApplication::quit();

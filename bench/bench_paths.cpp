@@ -1,4 +1,5 @@
 // Measures a tree of 100,000 files with AppPaths::directorySize and, in turns with it, with du.
+#include "Figures.h"
 #include "core/engine/AppPaths.h"
 
 #include <QCoreApplication>
@@ -7,12 +8,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <vector>
-
-#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -51,48 +47,6 @@ qint64 askDu(const QString &root)
     if (!du.waitForFinished(-1) || du.exitCode() != 0)
         qFatal("du did not run");
     return du.readAll().split('\t').first().toLongLong();
-}
-
-double seconds(const timeval &time)
-{
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-}
-
-// Of this process and of the children it has waited for.
-double cpuSeconds()
-{
-    double sum = 0;
-    for (const int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
-        rusage usage = {};
-        getrusage(who, &usage);
-        sum += seconds(usage.ru_utime) + seconds(usage.ru_stime);
-    }
-    return sum;
-}
-
-struct Figure
-{
-    std::vector<double> wall; // milliseconds
-    std::vector<double> cpu;
-
-    template <class F>
-    qint64 measure(F function)
-    {
-        const auto wallStart = std::chrono::steady_clock::now();
-        const double cpuStart = cpuSeconds();
-        const qint64 result = function();
-        cpu.push_back(1000 * (cpuSeconds() - cpuStart));
-        wall.push_back(
-            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - wallStart).count());
-        return result;
-    }
-};
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Types into the search over 5,000 conversations of 20 messages of 400 characters, from the keystroke to the
 // painted list, and in turns with it does what the search means and no more: lower-cases the same strings and
 // asks each whether it contains the text. Beside it: for how long the main thread was busy at a stretch.
+#include "Figures.h"
 #include "core/chat/ChatStore.h"
 #include "core/chat/ConversationFile.h"
 #include "ui/chat/ConversationListModel.h"
@@ -13,9 +14,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <ctime>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -75,26 +74,6 @@ QList<QUuid> plainly(const ChatStore &store, const QString &query)
     return found;
 }
 
-double now()
-{
-    using Milliseconds = std::chrono::duration<double, std::milli>;
-    return Milliseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-double threadTime()
-{
-    timespec time = {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return 1e3 * static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_nsec);
-}
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
 struct Keystroke
 {
     double whole = 0;   // milliseconds to the painted result
@@ -118,20 +97,20 @@ public:
     Keystroke type(const QString &text, const QList<QUuid> &expected)
     {
         Keystroke taken;
-        const double start = now();
+        const double start = wallTime();
         const auto turn = [&taken](const auto &work) {
-            const double before = now();
+            const double before = wallTime();
             const double cpuBefore = threadTime();
             work();
             taken.busyCpu = qMax(taken.busyCpu, threadTime() - cpuBefore);
-            taken.busy = qMax(taken.busy, now() - before);
+            taken.busy = qMax(taken.busy, wallTime() - before);
         };
         turn([this, &text] { m_model.setSearch(text); });
         do
             turn([] { QApplication::processEvents(); });
         while (!shows(expected));
         turn([] { QApplication::processEvents(); }); // paints
-        taken.whole = now() - start;
+        taken.whole = wallTime() - start;
         return taken;
     }
 
@@ -171,9 +150,9 @@ void measure(Window &window, const ChatStore &store, const Case &one)
     for (int round = -1; round < rounds; ++round) {
         window.type({}, plainly(store, {}));
         window.type(one.before, before);
-        const double start = now();
+        const double start = wallTime();
         const QList<QUuid> expected = plainly(store, query);
-        const double plainTime = now() - start;
+        const double plainTime = wallTime() - start;
         const Keystroke taken = window.type(one.typed, expected);
         count = expected.size();
         if (round < 0)

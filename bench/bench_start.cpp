@@ -2,6 +2,7 @@
 // that links the same libraries, shows an empty window and reads, parses and keeps the same conversations;
 // and what it does while nobody uses it, against a program that only makes the same two requests every four
 // seconds. The program itself is measured as it is, from outside, without a display.
+#include "Figures.h"
 #include "core/chat/ConversationFile.h"
 
 #include <QApplication>
@@ -21,7 +22,6 @@
 #include <QTimer>
 #include <QWidget>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -285,12 +285,6 @@ bool report(const char *what, double value, double most)
 {
     std::printf("%-58s %8.2f   at most %.2f   %s\n", what, value, most, value <= most ? "ok" : "MISSED");
     return value <= most;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 bool measureStart(const QTemporaryDir &profile)

@@ -1,5 +1,6 @@
 // Loads 5,000 conversation files of 20 messages of 400 characters through ChatStore, and in turns with it
 // reads and parses the same bytes in one thread, which is the least that any loading must do.
+#include "Figures.h"
 #include "core/chat/ChatStore.h"
 #include "core/chat/ConversationFile.h"
 
@@ -10,12 +11,8 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <ctime>
 #include <thread>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -65,31 +62,6 @@ qsizetype parseAll(const QString &folder)
             members += QJsonDocument::fromJson(file.readAll()).object().size();
     }
     return members;
-}
-
-struct Figure
-{
-    std::vector<double> wall; // milliseconds
-    std::vector<double> cpu;  // of all threads
-
-    template <class F>
-    auto measure(F function)
-    {
-        const auto wallStart = std::chrono::steady_clock::now();
-        const std::clock_t cpuStart = std::clock();
-        auto result = function();
-        cpu.push_back(1000.0 * static_cast<double>(std::clock() - cpuStart) / CLOCKS_PER_SEC);
-        wall.push_back(
-            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - wallStart).count());
-        return result;
-    }
-};
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // What reading a chat's stream through OllamaClient costs, compared in one run with the least that any
 // program on QNetworkAccessManager would spend: a loop that parses each line. The server is another process.
+#include "Figures.h"
 #include "core/api/OllamaClient.h"
 #include "platform/async/Launch.h"
 
@@ -191,29 +192,11 @@ using Reader = Tally (*)(int port, int count);
 
 // ---- measuring
 
-double seconds(const timeval &time)
-{
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-}
-
-double cpuMs(int who)
-{
-    rusage usage{};
-    ::getrusage(who, &usage);
-    return 1000 * (seconds(usage.ru_utime) + seconds(usage.ru_stime));
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
 double costOf(Reader reader, int port)
 {
-    const double start = cpuMs(RUSAGE_SELF);
+    const double start = processTime(RUSAGE_SELF);
     const Tally tally = reader(port, lines);
-    const double cost = cpuMs(RUSAGE_SELF) - start;
+    const double cost = processTime(RUSAGE_SELF) - start;
     if (tally != Tally{lines + 1, 5 * lines}) {
         std::fprintf(stderr, "%d records and %lld letters arrived\n", tally.records,
                      static_cast<long long>(tally.letters));
@@ -224,13 +207,13 @@ double costOf(Reader reader, int port)
 
 double costOfCurl(int port)
 {
-    const double start = cpuMs(RUSAGE_CHILDREN);
+    const double start = processTime(RUSAGE_CHILDREN);
     QProcess curl;
     curl.setStandardOutputFile(QProcess::nullDevice());
     curl.start(u"curl"_s, {u"-sN"_s, u"-d"_s, u"{\"model\":\"%1\"}"_s.arg(lines),
                            u"http://127.0.0.1:%1/api/chat"_s.arg(port)});
     curl.waitForFinished(-1);
-    return cpuMs(RUSAGE_CHILDREN) - start;
+    return processTime(RUSAGE_CHILDREN) - start;
 }
 
 // In a process of its own, since a process knows its own peak alone.

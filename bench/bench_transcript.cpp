@@ -1,6 +1,7 @@
 // What the transcript costs while a reply arrives, as ratios taken in one run: a chunk at the end of a long
 // reply against one of a short reply, of a long conversation against a short one, and so on. Times are those
 // of the main thread's processor, from the chunk's arrival to its painted frame, unless said otherwise.
+#include "Figures.h"
 #include "core/chat/ChatStore.h"
 #include "platform/desktop/Desktop.h"
 #include "ui/chat/MessageInput.h"
@@ -24,8 +25,6 @@
 #include <thread>
 #include <vector>
 
-#include <time.h>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -37,12 +36,6 @@ constexpr int rounds = 5;
 
 using Costs = std::vector<double>; // milliseconds
 
-double median(Costs costs)
-{
-    std::sort(costs.begin(), costs.end());
-    return costs[costs.size() / 2];
-}
-
 double percentile95(Costs costs)
 {
     std::sort(costs.begin(), costs.end());
@@ -52,19 +45,6 @@ double percentile95(Costs costs)
 double mean(const Costs &costs)
 {
     return std::accumulate(costs.begin(), costs.end(), 0.0) / static_cast<double>(costs.size());
-}
-
-double processorTime()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
-double wallTime()
-{
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration<double, std::milli>(now).count();
 }
 
 // Knows when a window has been painted and its picture handed on.
@@ -155,12 +135,12 @@ public:
     // What it costs to take in and to paint the chunk.
     double append(const QString &chunk)
     {
-        const double start = processorTime();
+        const double start = threadTime();
         m_store.mutate(m_id,
                        [&](Conversation &conversation) { conversation.messages.last().content += chunk; });
         show();
         nextFrame();
-        return processorTime() - start;
+        return threadTime() - start;
     }
 
     // Of many small chunks.

@@ -1,6 +1,7 @@
 #include "support/Table.h"
 #include "support/TestFolder.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -41,18 +42,17 @@ private Q_SLOTS:
     {
         for (const int number : {SIGINT, SIGHUP})
             std::signal(number, SIG_DFL);
+        qputenv("DEMO_ENGINE_INSTALLED", "phi3.5");
     }
 
     void init()
     {
         m_port = freePort();
         m_profile.emplace();
-        m_profile->put(u"settings.ini"_s, "[General]\nmanualEnginePath=" TARNWICK_DEMO_ENGINE "\nport=" +
+        m_profile->put(u"settings.ini"_s, "[General]\nguideDone=true\nmanualEnginePath=" TARNWICK_DEMO_ENGINE
+                                          "\nport=" +
                                               QByteArray::number(m_port));
-        m_program.setProcessChannelMode(QProcess::ForwardedChannels);
-        m_program.start(QStringLiteral(TARNWICK_PROGRAM), {u"--profile"_s, m_profile->path()});
-        QVERIFY(m_program.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(somethingListens(m_port), patience);
+        launch({});
     }
 
     void cleanup()
@@ -83,7 +83,31 @@ private Q_SLOTS:
         QVERIFY(engineEnds());
     }
 
+    void aLaunchForANewChat()
+    {
+        m_program.terminate();
+        QVERIFY(m_program.waitForFinished() && engineEnds());
+        launch({u"--new-chat"_s});
+        const auto chats = [this] {
+            return QDir(m_profile->filePath(u"Tarnwick/chats"_s)).entryList(QDir::Files);
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(chats().size(), 1, patience);
+        QProcess second;
+        second.start(QStringLiteral(TARNWICK_PROGRAM), {u"--profile"_s, m_profile->path(), u"--new-chat"_s});
+        QVERIFY(second.waitForFinished());
+        QTRY_COMPARE_WITH_TIMEOUT(chats().size(), 2, patience);
+    }
+
 private:
+    void launch(const QStringList &arguments)
+    {
+        m_program.setProcessChannelMode(QProcess::ForwardedChannels);
+        m_program.start(QStringLiteral(TARNWICK_PROGRAM),
+                        QStringList{u"--profile"_s, m_profile->path()} + arguments);
+        QVERIFY(m_program.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(somethingListens(m_port), patience);
+    }
+
     bool engineEnds() const
     {
         return QTest::qWaitFor([this] { return !somethingListens(m_port); }, patience);

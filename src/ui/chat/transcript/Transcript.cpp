@@ -173,10 +173,13 @@ void Transcript::mouseReleaseEvent(QMouseEvent *event)
 bool Transcript::eventFilter(QObject *watched, QEvent *event)
 {
     // The right button opens the bar's menu, which takes the release.
-    if (watched == verticalScrollBar() && event->type() == QEvent::MouseButtonPress)
-        setHeld(static_cast<QMouseEvent *>(event)->button() != Qt::RightButton);
-    else if (watched == verticalScrollBar() && event->type() == QEvent::MouseButtonRelease)
-        setHeld(false);
+    const auto *const mouse = watched == verticalScrollBar() ? dynamic_cast<QMouseEvent *>(event) : nullptr;
+    if (mouse && mouse->button() != Qt::RightButton) {
+        if (mouse->type() == QEvent::MouseButtonPress)
+            setHeld(true);
+        else if (mouse->type() == QEvent::MouseButtonRelease)
+            setHeld(false);
+    }
     return TranscriptCanvas::eventFilter(watched, event);
 }
 
