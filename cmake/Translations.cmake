@@ -1,6 +1,11 @@
-# Every translations/tarnwick_<language>.ts becomes a part of the program. Without such a file nothing of this is needed.
+# The catalogues of translations/ become a part of the program: its languages, and this system's words for what the
+# texts in the code call by Apple's names.
 
 file(GLOB ts_files CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/translations/tarnwick_*.ts")
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+  file(GLOB word_files CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/translations/linux_*.ts")
+  list(APPEND ts_files ${word_files})
+endif()
 if(NOT ts_files)
   return()
 endif()
@@ -15,4 +20,4 @@ foreach(ts IN LISTS ts_files)
   add_custom_command(OUTPUT "${qm}" COMMAND "${TARNWICK_LRELEASE}" -silent "${ts}" -qm "${qm}" DEPENDS "${ts}" VERBATIM)
   list(APPEND qm_files "${qm}")
 endforeach()
-qt_add_resources(tarnwick translations PREFIX /translations BASE "${CMAKE_CURRENT_BINARY_DIR}" FILES ${qm_files})
+qt_add_resources(tarnwick_ui translations PREFIX /translations BASE "${CMAKE_CURRENT_BINARY_DIR}" FILES ${qm_files})

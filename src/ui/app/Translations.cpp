@@ -5,11 +5,24 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+const QString ownFolder = u":/translations"_s;
+
+bool install(QTranslator &translator, const QLocale &locale, const QString &catalogue, const QString &folder)
+{
+    return translator.load(locale, catalogue, u"_"_s, folder) &&
+           QCoreApplication::installTranslator(&translator);
+}
+
+} // namespace
+
+// What is installed later is asked first.
 Translations::Translations(const QLocale &locale)
 {
-    if (!m_program.load(locale, u"tarnwick"_s, u"_"_s, u":/translations"_s))
+    install(m_systemWords, QLocale(QLocale::English), u"linux"_s, ownFolder);
+    if (!install(m_program, locale, u"tarnwick"_s, ownFolder))
         return;
-    QCoreApplication::installTranslator(&m_program);
-    if (m_qt.load(locale, u"qtbase"_s, u"_"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QCoreApplication::installTranslator(&m_qt);
+    install(m_programSystemWords, locale, u"linux"_s, ownFolder);
+    install(m_qt, locale, u"qtbase"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath));
 }

@@ -1,4 +1,4 @@
-// The program's texts, and Qt's own, in the language of the desktop.
+// The program's texts, and Qt's own, in the language of the desktop and with the words of its system.
 #pragma once
 
 #include <QLocale>
@@ -12,6 +12,8 @@ public:
     explicit Translations(const QLocale &locale = QLocale());
 
 private:
+    QTranslator m_systemWords; // in English
     QTranslator m_program;
+    QTranslator m_programSystemWords;
     QTranslator m_qt;
 };
