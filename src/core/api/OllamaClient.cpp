@@ -37,6 +37,7 @@ HttpRequest request(const QUrl &base, const QByteArray &method, QLatin1StringVie
     request.url = base;
     request.url.setPath("/"_L1 + path);
     request.idleTimeout = idleTimeout;
+    request.followRedirects = false; // the engine has nowhere to send anyone
     return request;
 }
 
@@ -191,10 +192,10 @@ Stream<ChatChunk> OllamaClient::chat(const ChatRequest &chat, StopToken stop) co
 
 void OllamaClient::check(const HttpHead &head, const QByteArray &body)
 {
-    if (head.status == 0)
-        throw OllamaError::badResponse();
-    if (head.status < 400)
+    if (head.status >= 200 && head.status < 300)
         return;
+    if (head.status < 400)
+        throw OllamaError::badResponse();
     const QString fallback =
         QCoreApplication::translate("OllamaClient", "The engine answered with error %1.").arg(head.status);
     throw OllamaError::api(parseError(body).value_or(fallback));

@@ -42,7 +42,9 @@ QNetworkRequest platformRequest(const HttpRequest &request)
     result.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     result.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     result.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    result.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    result.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                        request.followRedirects ? QNetworkRequest::NoLessSafeRedirectPolicy
+                                                : QNetworkRequest::ManualRedirectPolicy);
     return result;
 }
 

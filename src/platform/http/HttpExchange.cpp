@@ -21,9 +21,15 @@ int statusOf(const QNetworkReply &reply)
 // gone, and of a server on this machine that it ended while it was being connected to.
 Code codeOfUnnamed(const QNetworkReply &reply)
 {
-    if (statusOf(reply) != 0)
-        return Code::connectionLost;
-    return isLoopback(reply.url().host()) ? Code::cannotConnect : Code::notConnectedToInternet;
+    if (isLoopback(reply.url().host()))
+        return Code::cannotConnect;
+    return statusOf(reply) != 0 ? Code::connectionLost : Code::notConnectedToInternet;
+}
+
+// A connection that ends too early is the network's doing, except on this machine: there the server has gone.
+Code codeOfLoss(const QNetworkReply &reply)
+{
+    return isLoopback(reply.url().host()) ? Code::cannotConnect : Code::connectionLost;
 }
 
 TransportError transportError(const QNetworkReply &reply)
@@ -34,7 +40,7 @@ TransportError transportError(const QNetworkReply &reply)
     // The second is what Qt says where it would have sent the body again.
     case QNetworkReply::RemoteHostClosedError:
     case QNetworkReply::ContentReSendError:
-        return TransportError(Code::connectionLost);
+        return TransportError(codeOfLoss(reply));
     case QNetworkReply::HostNotFoundError:
         return TransportError(Code::cannotFindHost);
     case QNetworkReply::TimeoutError:
@@ -63,7 +69,7 @@ bool isMerelyStatus(QNetworkReply::NetworkError error, int status)
     }
 }
 
-// Qt follows these, and tells the head of each.
+// Qt follows these where it may, and tells the head of each.
 bool isRedirect(int status)
 {
     return (status >= 301 && status <= 303) || status == 305 || status == 307 || status == 308;
@@ -116,6 +122,7 @@ void HttpExchange::run(QNetworkReply *reply, const HttpRequest &request)
     connect(reply, &QNetworkReply::redirected, this, limitBuffer);
     limitBuffer();
 
+    m_followsRedirects = request.followRedirects;
     m_idleTimeout = request.idleTimeout;
     m_idle.setSingleShot(true);
     connect(&m_idle, &QTimer::timeout, this, &HttpExchange::onQuiet);
@@ -164,7 +171,7 @@ void HttpExchange::onHead()
 {
     m_quiet.restart();
     const int status = statusOf(*m_reply);
-    if (m_head || status == 0 || isRedirect(status))
+    if (m_head || status == 0 || (m_followsRedirects && isRedirect(status)))
         return;
     const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
     m_head = HttpHead{status, length.isValid() ? length.toLongLong() : -1};

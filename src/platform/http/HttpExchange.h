@@ -57,6 +57,7 @@ private:
     QPointer<QNetworkReply> m_reply;
     QTimer m_idle;
     QTimer m_limit;
+    bool m_followsRedirects = true;
     std::chrono::milliseconds m_idleTimeout{};
     QElapsedTimer m_quiet;
     std::optional<HttpHead> m_head;

@@ -21,6 +21,8 @@ struct HttpRequest
     // How many bytes of a body may wait to be read before the server is slowed down; 0 is no limit.
     qint64 readBufferSize = 0;
 
+    // Whether a redirect is followed or is the answer itself.
+    bool followRedirects = true;
     // Refuse an address that is not https, before anything is sent. Redirects never lead from https to http.
     bool secureOnly = false;
 

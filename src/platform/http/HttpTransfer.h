@@ -31,7 +31,7 @@ public:
     HttpTransfer(HttpTransfer &&) noexcept = default;
     HttpTransfer &operator=(HttpTransfer &&) = delete;
 
-    // The head of the answer; of the last one where the server redirects. Throws TransportError.
+    // The head of the answer; of the last one where redirects are followed. Throws TransportError.
     Task<HttpHead> head() const;
 
     // What has arrived of the body and was not read yet, at least one byte; empty at the end. Throws

@@ -9,10 +9,10 @@ public:
     enum class Code
     {
         notConnectedToInternet,
-        connectionLost, // closed, reset, or a body that was cut
+        connectionLost, // closed, reset, or a body that was cut; not on this machine
         cannotFindHost,
         timedOut,
-        cannotConnect, // refused
+        cannotConnect, // refused; on this machine also what is a lost connection elsewhere
         cancelled,
         other // the description is the platform's own text
     };

@@ -8,7 +8,8 @@ using Phase = DownloadItem::Phase;
 
 namespace {
 
-const QString offline = u"No network connection. Check your internet and try again."_s;
+const QString unreachable = u"I can't reach the local engine. Is the Local server switched on?"_s;
+const QString unreadable = u"The engine sent an answer I could not read."_s;
 const QString timedOut = u"The request timed out. Please try again."_s;
 const QString askedToFail = u"the demonstration engine was asked to fail"_s;
 const QString code = u"The engine answered with error %1."_s;
@@ -44,8 +45,9 @@ struct Faults
 // Of the answers that come in one piece. "nothing" is an answer like that of an engine that has nothing.
 const QList<Faults> answerFaults{
     {u"text-numbers bytes=0 cuts=0"_s},
-    {u"reset close bad-chunk"_s, part, offline},
-    {u"not-http reset-early close-early"_s, nothing, offline},
+    {u"reset close bad-chunk"_s, part, unreachable},
+    {u"status=302 status=304;empty"_s, nothing, unreadable},
+    {u"not-http reset-early close-early"_s, nothing, unreachable},
     {u"not-json empty-body wrong-types"_s, nothing},
     {u"status=500"_s, nothing, askedToFail},
     {u"status=500;text status=500;no-error endless-error=500"_s, nothing, code.arg(500)},
@@ -62,8 +64,9 @@ const QList<Faults> pauses{
 // The user stops what stalls.
 const QList<Faults> streamFaults{
     {u"text-numbers bytes=0 cuts=0 truncated-lines blank-lines huge-lines cr crlf no-last-newline"_s},
-    {u"reset close"_s, part, offline},
-    {u"not-http reset-early close-early"_s, nothing, offline},
+    {u"reset close"_s, part, unreachable},
+    {u"status=307"_s, nothing, unreadable},
+    {u"not-http reset-early close-early"_s, nothing, unreachable},
     {u"stall"_s, part},
     {u"stall-early wrong-types"_s, nothing},
     {u"status=500 error-first"_s, nothing, askedToFail},
@@ -86,8 +89,8 @@ const QList<Faults> pullFaults{
     {u"falling invalid-utf8 text-numbers bytes=0 cuts=0 truncated-lines blank-lines huge-lines cr crlf"_s},
     {u"no-last-newline"_s},
     {u"early-end bad-chunk no-success wrong-types"_s, part, stoppedEarly},
-    {u"reset close"_s, part, offline},
-    {u"not-http reset-early close-early"_s, nothing, offline},
+    {u"reset close"_s, part, unreachable},
+    {u"not-http reset-early close-early"_s, nothing, unreachable},
     {u"stall stall-early"_s, nothing},
     {u"status=500 error-first"_s, nothing, askedToFail},
     {u"endless-error=500"_s, nothing, code.arg(500)},
