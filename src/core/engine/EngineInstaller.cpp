@@ -49,23 +49,22 @@ void makeWorkFolder(const QString &folder)
 Task<InstalledEngine> installNewest(std::shared_ptr<Course> course, InstallerOptions options,
                                     InstallReport report, StopToken stop)
 {
-    report({EngineInstaller::tr("Looking up the latest Ollama…"), std::nullopt});
     makeWorkFolder(course->workFolder);
-    const ReleaseAsset asset = co_await fetchAsset(options, stop);
+    const ReleaseAsset asset = co_await fetchAsset(options, report, stop);
     requireDiskSpace(asset.size);
     const QString archive = course->workFolder + u'/' + options.assetName;
     co_await downloadArchive(asset, archive, options, report, stop);
     requireWhole(archive, asset.size);
 
-    report({EngineInstaller::tr("Unpacking…"), std::nullopt});
+    report({EngineInstaller::tr("Unpacking…"), {}, false});
     const QString unpacked = course->workFolder + "/unpacked"_L1;
     co_await unpackArchive(archive, unpacked, options);
 
-    report({EngineInstaller::tr("Installing…"), std::nullopt});
+    report({EngineInstaller::tr("Installing…"), {}, false});
     const auto put = [unpacked, course] { return putEngineInPlace(unpacked, course->replaced); };
     const QString program = co_await WorkerQueue::shared().run(put);
 
-    report({EngineInstaller::tr("Checking that it runs…"), std::nullopt});
+    report({EngineInstaller::tr("Checking that it runs…"), {}, false});
     const QString version = co_await verifyEngine(program);
     co_return InstalledEngine{program, version};
 }

@@ -4,7 +4,9 @@
 #include "core/engine/FileDownloader.h"
 #include "core/engine/RunProcess.h"
 #include "core/engine/UnpackedTree.h"
+#include "core/models/Fmt.h"
 #include "core/models/SpeedMeter.h"
+#include "core/models/StallWatch.h"
 #include "platform/async/WorkerQueue.h"
 #include "platform/error/SimpleError.h"
 #include "platform/error/SystemError.h"
@@ -76,6 +78,38 @@ QString lastCharacters(const QString &text, qsizetype count)
     return QString::fromUcs4(reinterpret_cast<const char32_t *>(last.constData()), last.size());
 }
 
+// The line of a running download.
+class DownloadLine
+{
+public:
+    DownloadLine(qint64 assetSize, const InstallReport &report, std::chrono::milliseconds patience)
+        : m_assetSize(assetSize), m_report(report), m_watch([this] { show(); }, patience)
+    {
+    }
+
+    void update(qint64 received, qint64 expected)
+    {
+        m_received = received;
+        m_expected = expected;
+        m_meter.update(received);
+        m_watch.update(received);
+        show();
+    }
+
+private:
+    void show() const
+    {
+        m_report(downloadStatus(m_received, m_expected, m_assetSize, m_meter.speed(), m_watch.stalled()));
+    }
+
+    const qint64 m_assetSize;
+    const InstallReport m_report;
+    qint64 m_received = 0;
+    qint64 m_expected = -1;
+    SpeedMeter m_meter;
+    StallWatch m_watch;
+};
+
 [[noreturn]] void failUnpacking(const QString &reason)
 {
     throw SimpleError(Sentences::tr("Unpacking failed: %1").arg(lastCharacters(reason, 200)));
@@ -100,8 +134,12 @@ void inspect(const QString &folder)
 
 } // namespace
 
-Task<ReleaseAsset> fetchAsset(InstallerOptions options, StopToken stop)
+Task<ReleaseAsset> fetchAsset(InstallerOptions options, InstallReport report, StopToken stop)
 {
+    const QString line = Sentences::tr("Looking up the latest Ollama…");
+    report({line});
+    const auto wait = [line, report] { report({line + u" \u00B7 "_s + Fmt::waiting()}); };
+    const StallWatch watch(wait, options.stallPatience);
     HttpRequest request;
     request.url = options.releaseService;
     request.url.setPath(u"/repos/ollama/ollama/releases/latest"_s);
@@ -134,12 +172,9 @@ Task<> downloadArchive(ReleaseAsset asset, QString archive, InstallerOptions opt
                        StopToken stop)
 {
     FileDownloader downloader(archive);
-    const auto meter = std::make_shared<SpeedMeter>();
-    downloader.onProgress = [meter, report, size = asset.size](qint64 received, qint64 expected) {
-        meter->update(received);
-        report(downloadStatus(received, expected, size, meter->speed()));
-    };
-    report({Sentences::tr("Starting download…"), std::nullopt});
+    const auto line = std::make_shared<DownloadLine>(asset.size, report, options.stallPatience);
+    downloader.onProgress = [line](qint64 received, qint64 expected) { line->update(received, expected); };
+    report({Sentences::tr("Starting download…")});
     HttpRequest request;
     request.url = asset.url;
     request.headers = {{"User-Agent", "Tarnwick"}};

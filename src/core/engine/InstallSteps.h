@@ -15,12 +15,12 @@
 using InstallReport = std::function<void(const InstallStatus &)>;
 
 // The file to install, out of the record of the latest release.
-Task<ReleaseAsset> fetchAsset(InstallerOptions options, StopToken stop);
+Task<ReleaseAsset> fetchAsset(InstallerOptions options, InstallReport report, StopToken stop);
 
 // Throws when the volume is known to have less room than an archive of `assetSize` bytes needs.
 void requireDiskSpace(qint64 assetSize);
 
-// Reports every piece of `asset` that arrives.
+// Reports every piece of `asset` that arrives, and when none do any more.
 Task<> downloadArchive(ReleaseAsset asset, QString archive, InstallerOptions options, InstallReport report,
                        StopToken stop);
 

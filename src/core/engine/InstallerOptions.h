@@ -2,6 +2,8 @@
 // unpacks it. A test hands in its own.
 #pragma once
 
+#include "core/models/StallWatch.h"
+
 #include <QString>
 #include <QStringList>
 #include <QUrl>
@@ -20,6 +22,8 @@ struct InstallerOptions
     // How long the two servers may stay silent.
     std::chrono::milliseconds lookupTimeout{20'000};
     std::chrono::milliseconds downloadTimeout{60'000};
+    // How long they may before the user is told.
+    std::chrono::milliseconds stallPatience = StallWatch::usualPatience;
 
     static QString standardAssetName();
     static QString standardMissingAsset();

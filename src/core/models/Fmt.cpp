@@ -55,6 +55,11 @@ QString Fmt::eta(double seconds)
     return tr("%1 h left").arg(seconds / hour, 0, 'f', 1);
 }
 
+QString Fmt::waiting()
+{
+    return tr("Waiting for data…");
+}
+
 QString Fmt::progress(const DownloadItem &item)
 {
     const auto separator = u" \u00B7 "_s;

@@ -61,6 +61,7 @@ void EngineInstallView::render()
     if (running) {
         m_bar->showFraction(status->fraction);
         m_text->setText(status->text);
+        m_cancel->setEnabled(status->cancellable);
     }
     m_error->showText(shortened(m_engine.installError().value_or(QString())));
     m_error->setVisible(m_engine.installError().has_value());

@@ -100,10 +100,12 @@ private Q_SLOTS:
     {
         InstallerOptions options = m_installer->server.options();
         options.lookupTimeout = options.downloadTimeout = 100ms;
+        options.stallPatience = 1ms;
         for (const QString &silent : {Server::recordPath, Server::archivePath}) {
             m_installer->remake(options);
             m_installer->hold(silent);
             QCOMPARE(m_installer->install(), u"The request timed out. Please try again."_s);
+            QVERIFY(m_installer->lines.last().endsWith(u" \u00B7 Waiting for data…"_s));
             QVERIFY(m_installer->isUntouched());
         }
     }
@@ -131,12 +133,14 @@ private Q_SLOTS:
 
     void showsTheDownload()
     {
-        const auto shown = [](qint64 done, qint64 announced, qint64 recorded, double speed) {
-            const InstallStatus status = downloadStatus(done, announced, recorded, speed);
+        const auto shown = [](qint64 done, qint64 announced, qint64 recorded, double speed,
+                              bool stalled = false) {
+            const InstallStatus status = downloadStatus(done, announced, recorded, speed, stalled);
             return std::pair(status.text, status.fraction.value_or(-1));
         };
         QCOMPARE(shown(1'999, 4'000, 9, 0), std::pair(u"49% · 2 KB of 4 KB"_s, 1'999.0 / 4'000));
         QCOMPARE(shown(1, -1, 4, 2'500'000), std::pair(u"25% · 1 byte of 4 bytes · 2.5 MB/s"_s, 0.25));
+        QCOMPARE(shown(1, -1, 4, 2'500'000, true).first, u"25% · 1 byte of 4 bytes · Waiting for data…"_s);
         QCOMPARE(shown(50, 0, 0, -1), std::pair(u"50 bytes of Zero KB"_s, -1.0));
     }
 
