@@ -32,6 +32,7 @@ struct DownloadItem
     qint64 total = 0;     // bytes of all layers seen so far
     qint64 completed = 0; // bytes received of them
     double speed = 0;     // smoothed, bytes per second; 0 while it does not run
+    bool stalled = false; // it runs, and nothing has come for a while
 
     bool operator==(const DownloadItem &) const = default;
 };

@@ -68,21 +68,19 @@ void DownloadQueue::enqueue(const QString &name, std::optional<qint64> knownSize
     if (present && (present->phase.kind == DownloadItem::Phase::queued ||
                     present->phase.kind == DownloadItem::Phase::running))
         return;
-    const bool removed = removeAll(id);
 
     const QString folder = AppPaths::modelsDir();
     AppPaths::ensure(folder);
     const qint64 need = knownSize.value_or(0) + spareBytes;
     const std::optional<qint64> free = m_seams.freeBytes(folder);
     if (free && *free < need) {
-        if (removed)
-            Q_EMIT itemsChanged();
         refuse(
             tr("Not enough free disk space: this needs about %1 (the model plus 2 GB spare) and only %2 is "
                "free.")
                 .arg(byteCountText(need), byteCountText(*free)));
         return;
     }
+    removeAll(id);
     m_items.append({.id = id, .pullName = pullName, .knownSize = knownSize});
     Q_EMIT itemsChanged();
     pump();
@@ -176,6 +174,11 @@ Task<bool> DownloadQueue::pull(QPointer<DownloadQueue> self, QString id, QString
 {
     LayerTable layers;
     SpeedMeter meter(self->m_seams.clock);
+    const auto showStall = [self, id] {
+        if (self)
+            self->alter(id, [](DownloadItem &item) { item.stalled = true; });
+    };
+    std::optional<StallWatch> watch(std::in_place, showStall, self->m_seams.patience);
     bool success = false;
     const OllamaClient client(self->m_engine->port());
     Stream<PullProgress> stream = client.pull(name, stop);
@@ -183,24 +186,31 @@ Task<bool> DownloadQueue::pull(QPointer<DownloadQueue> self, QString id, QString
         if (!self || stop.stopRequested())
             break;
         layers.update(*progress);
-        meter.update(layers.completed());
-        self->show(id, *progress, layers, meter.speed());
+        meter.update(layers.received());
+        // What the engine does once it has all layers brings no bytes.
+        if (layers.total() > 0 && !progress->digest)
+            watch.reset();
+        if (watch)
+            watch->update(layers.received());
+        self->alter(id, [&](DownloadItem &item) {
+            item.status = progress->status;
+            item.total = layers.total();
+            item.completed = layers.completed();
+            item.speed = meter.speed();
+            item.stalled = watch && watch->stalled();
+        });
         success = success || progress->status == "success"_L1;
     }
     co_return success;
 }
 
-void DownloadQueue::show(const QString &id, const PullProgress &progress, const LayerTable &layers,
-                         double speed)
+void DownloadQueue::alter(const QString &id, const std::function<void(DownloadItem &)> &change)
 {
     DownloadItem *const item = find(id);
     if (!item)
         return;
     const DownloadItem before = *item;
-    item->status = progress.status;
-    item->total = layers.total();
-    item->completed = layers.completed();
-    item->speed = speed;
+    change(*item);
     if (*item != before)
         Q_EMIT itemsChanged();
 }
@@ -219,15 +229,13 @@ void DownloadQueue::succeed(const QString &id)
 
 void DownloadQueue::finish(const QString &id, const DownloadItem::Phase &phase)
 {
-    DownloadItem *const item = find(id);
-    if (item) {
-        item->phase = phase;
-        item->speed = 0;
-    }
     m_currentID.reset();
     m_currentTask = {};
-    if (item)
-        Q_EMIT itemsChanged();
+    alter(id, [&phase](DownloadItem &item) {
+        item.phase = phase;
+        item.speed = 0;
+        item.stalled = false;
+    });
     pump();
 }
 

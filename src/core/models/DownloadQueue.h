@@ -4,6 +4,7 @@
 
 #include "core/models/DownloadItem.h"
 #include "core/models/SpeedMeter.h"
+#include "core/models/StallWatch.h"
 #include "platform/async/Job.h"
 #include "platform/async/Task.h"
 
@@ -16,8 +17,6 @@
 #include <optional>
 
 class EngineManager;
-class LayerTable;
-struct PullProgress;
 
 class DownloadQueue : public QObject
 {
@@ -30,6 +29,8 @@ public:
         // The bytes free on the volume of a folder, if known. Empty: the volume's own answer.
         std::function<std::optional<qint64>(const QString &folder)> freeBytes;
         SpeedMeter::Clock clock = std::chrono::steady_clock::now;
+        // How long nothing may come before the item counts as stalled.
+        std::chrono::milliseconds patience = StallWatch::usualPatience;
     };
 
     DownloadQueue();
@@ -67,7 +68,8 @@ private:
     static Task<std::optional<DownloadItem::Phase>> attempt(QPointer<DownloadQueue> self, QString id,
                                                             QString name, StopToken stop);
     static Task<bool> pull(QPointer<DownloadQueue> self, QString id, QString name, StopToken stop);
-    void show(const QString &id, const PullProgress &progress, const LayerTable &layers, double speed);
+    // Lets `change` alter the item, should it still be there, and tells whoever observes it.
+    void alter(const QString &id, const std::function<void(DownloadItem &)> &change);
     void succeed(const QString &id);
     void finish(const QString &id, const DownloadItem::Phase &phase);
     void refuse(const QString &message) const;

@@ -13,6 +13,7 @@ namespace {
 
 constexpr double minute = 60;
 constexpr double hour = 3600;
+constexpr double longestLeft = 99 * hour; // what lies further off nobody can foretell
 
 // The whole part; what an integer cannot hold becomes the nearest that it can.
 qint64 truncated(double value)
@@ -66,11 +67,15 @@ QString Fmt::progress(const DownloadItem &item)
     QString text =
         tr("%1% \u00B7 %2 of %3")
             .arg(QString::number(percent(item)), byteCountText(item.completed), byteCountText(item.total));
+    if (item.stalled)
+        return text + separator + waiting();
     if (item.speed > 0)
         text += separator + speed(item.speed);
     if (item.speed > 1 && item.completed < item.total) {
         const double left = static_cast<double>(item.total) - static_cast<double>(item.completed);
-        text += separator + eta(left / item.speed);
+        const double seconds = left / item.speed;
+        if (seconds <= longestLeft)
+            text += separator + eta(seconds);
     }
     return text;
 }

@@ -2,34 +2,28 @@
 
 #include "core/api/PullProgress.h"
 
-#include <limits>
+#include <algorithm>
 
 namespace {
 
-qint64 saturatedSum(qint64 a, qint64 b)
-{
-    using Limits = std::numeric_limits<qint64>;
-    qint64 sum = 0;
-    if (qAddOverflow(a, b, &sum))
-        return a < 0 ? Limits::min() : Limits::max();
-    return sum;
-}
+constexpr qsizetype longestDigest = 256; // that of SHA-256 has 71 characters
 
 } // namespace
 
 void LayerTable::update(const PullProgress &progress)
 {
-    if (!progress.digest || progress.total <= 0)
+    if (!progress.digest || progress.digest->size() > longestDigest || progress.total <= 0)
         return;
-    Layer &layer = m_layers[*progress.digest];
-    const Layer reported{progress.total, progress.completed};
-    if (layer == reported)
-        return;
-    layer = reported;
-    m_total = 0;
-    m_completed = 0;
-    for (const Layer &each : std::as_const(m_layers)) {
-        m_total = saturatedSum(m_total, each.total);
-        m_completed = saturatedSum(m_completed, each.done);
+    const Layer reported{std::min(progress.total, mostBytes),
+                         std::clamp(progress.completed, -mostBytes, mostBytes)};
+    auto layer = m_layers.find(*progress.digest);
+    if (layer == m_layers.end()) {
+        if (m_layers.size() == mostLayers)
+            return;
+        layer = m_layers.insert(*progress.digest, {});
+        m_before += reported.done;
     }
+    m_total += reported.total - layer->total;
+    m_completed += reported.done - layer->done;
+    *layer = reported;
 }
