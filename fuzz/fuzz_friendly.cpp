@@ -1,4 +1,5 @@
-// Every message has a sentence: itself or one of the fixed ones. The sentence of a sentence is itself, and
+// Every message has a sentence: itself, perhaps behind a fixed one that says what to do, or one of the fixed
+// ones. The sentence of a sentence is itself, and
 // the way by which a message arrives makes no difference.
 #include "core/api/Friendly.h"
 #include "core/api/OllamaError.h"
@@ -12,12 +13,25 @@
 
 namespace {
 
+// Whether the message stands behind what is said about it in every case.
+bool isAdvised(const QString &sentence, const QString &message)
+{
+    for (const char *const known :
+         {"process has terminated", "does not support chat", "The engine answered with error 500."}) {
+        const QString piece = QString::fromLatin1(known);
+        if (sentence == Friendly::text(piece).chopped(piece.size()) + message)
+            return true;
+    }
+    return false;
+}
+
 void check(const QString &message)
 {
     const QString sentence = Friendly::text(message);
     if (Friendly::text(sentence) != sentence)
         std::abort();
-    if (sentence != message && sentence != Friendly::text(QStringLiteral("disk full")) &&
+    if (sentence != message && !isAdvised(sentence, message) &&
+        sentence != Friendly::text(QStringLiteral("disk full")) &&
         sentence != Friendly::text(QStringLiteral("out of memory")) &&
         sentence != Friendly::text(QStringLiteral("file does not exist")))
         std::abort();

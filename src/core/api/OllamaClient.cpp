@@ -1,5 +1,6 @@
 #include "core/api/OllamaClient.h"
 
+#include "core/api/Friendly.h"
 #include "core/api/OllamaError.h"
 #include "core/api/WireFormat.h"
 #include "platform/async/Launch.h"
@@ -7,7 +8,6 @@
 #include "platform/http/LineSplitter.h"
 #include "platform/http/TransportError.h"
 
-#include <QCoreApplication>
 #include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
@@ -196,9 +196,7 @@ void OllamaClient::check(const HttpHead &head, const QByteArray &body)
         return;
     if (head.status < 400)
         throw OllamaError::badResponse();
-    const QString fallback =
-        QCoreApplication::translate("OllamaClient", "The engine answered with error %1.").arg(head.status);
-    throw OllamaError::api(parseError(body).value_or(fallback));
+    throw OllamaError::api(parseError(body).value_or(Friendly::withoutReason(head.status)));
 }
 
 std::optional<QString> OllamaClient::parseError(const QByteArray &data)

@@ -100,13 +100,31 @@ private Q_SLOTS:
             {u"pull model manifest: file does not exist"_s, noSuchModel},
             {u"NOT FOUND: this Model"_s, noSuchModel},
         };
-        for (const QString &untouched : {u"404 page not found"_s, u"reported out-of-memory"_s,
+        for (const QString &tooLarge :
+             {u"llama-server reported out-of-memory during startup"_s, u"CUDA: failed to allocate 9 MiB"_s,
+              u"llama runner process has terminated: signal: killed"_s, u"exit status 137"_s})
+            sentences[tooLarge] = needsMemory;
+        for (const QString &untouched : {u"404 page not found"_s, u"unexpected EOF"_s, u"error 500"_s,
                                          u"D\u0130SK FULL"_s, u"Invalid MODEL name"_s, QString()})
             sentences[untouched] = untouched;
         for (auto error = sentences.begin(); error != sentences.end(); ++error) {
             QCOMPARE(sentenceFor(SimpleError(error.key())), *error);
             QCOMPARE(sentenceFor(OllamaError::api(error.key())), *error);
             QCOMPARE(sentenceFor(std::runtime_error(error.key().toStdString())), *error);
+        }
+
+        // What says too little by itself is kept behind what to do.
+        const QStringList starts{u"The model stopped"_s, u"This model cannot chat"_s, u"The engine failed"_s};
+        const QList<std::pair<QString, int>> technical{
+            {u"an error was encountered while running the model: unexpected EOF"_s, 0},
+            {u"llama runner process has terminated with exit code -1"_s, 0},
+            {u"\"tiny:latest\" does not support chat"_s, 1},
+            {u"\"not found\" does not support chat"_s, 1},
+            {u"The engine answered with error 500."_s, 2}};
+        for (const auto &[message, start] : technical) {
+            const QString sentence = sentenceFor(OllamaError::api(message));
+            QVERIFY2(sentence.startsWith(starts[start]) && sentence.endsWith(message), qPrintable(sentence));
+            QCOMPARE(Friendly::text(sentence), sentence);
         }
 
         // A description that a rule would catch, if it were looked at.
