@@ -3,6 +3,7 @@
 #include "core/app/ChatGeneration.h"
 #include "core/app/EngineModels.h"
 #include "core/app/ReplyGenerator.h"
+#include "core/chat/ExportFileName.h"
 #include "platform/async/Sleep.h"
 #include "platform/async/WorkerQueue.h"
 #include "platform/defaults/UserDefaults.h"
@@ -294,7 +295,7 @@ void AppState::exportMarkdown(const QUuid &id)
 
 Task<> AppState::exportTo(QPointer<AppState> self, Conversation conversation, StopToken stop)
 {
-    const QString proposal = ChatGeneration::exportFileName(conversation.title);
+    const QString proposal = exportFileName(conversation.title);
     const auto path = co_await self->m_desktop.chooseSaveFile(proposal);
     if (!path || stop.stopRequested())
         co_return;

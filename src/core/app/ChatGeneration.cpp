@@ -77,9 +77,3 @@ bool ChatGeneration::isEmptyReply(const ChatMessage &message)
 {
     return message.role == assistantRole && message.content.isEmpty() && message.thinking.isEmpty();
 }
-
-QString ChatGeneration::exportFileName(const QString &title)
-{
-    QString name = title;
-    return name.replace(u'/', u'-') + ".md"_L1;
-}

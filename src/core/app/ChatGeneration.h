@@ -37,7 +37,4 @@ void apply(const ChatChunk &chunk, ChatMessage &reply);
 // Whether `message` is a reply in which nothing has arrived.
 bool isEmptyReply(const ChatMessage &message);
 
-// The name to propose for the exported conversation called `title`.
-QString exportFileName(const QString &title);
-
 } // namespace ChatGeneration

@@ -4,9 +4,9 @@
 #include "core/engine/AppPaths.h"
 #include "platform/async/WorkerQueue.h"
 #include "platform/files/AtomicFile.h"
+#include "platform/files/RegularFile.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <algorithm>
 #include <atomic>
@@ -23,12 +23,13 @@ bool isNewer(const Conversation &a, const Conversation &b)
     return a.updatedAt > b.updatedAt;
 }
 
+// No conversation comes near it.
+constexpr qint64 mostBytes = 256 * 1024 * 1024;
+
 std::optional<Conversation> readConversation(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return std::nullopt;
-    return ConversationFile::decode(file.readAll());
+    const std::optional<QByteArray> content = readRegularFile(path, mostBytes);
+    return content ? ConversationFile::decode(*content) : std::nullopt;
 }
 
 // In the order of their names, so that conversations of the same second keep their order from start to start.

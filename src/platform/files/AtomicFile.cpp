@@ -108,11 +108,14 @@ private:
     bool m_replaced = false;
 };
 
+// Nothing when there is no file to replace. A pipe, a device or a folder is none, and stays.
 std::optional<mode_t> modeOf(const QByteArray &path)
 {
     struct stat status = {};
     if (::stat(path.constData(), &status) < 0)
         return std::nullopt;
+    if (!S_ISREG(status.st_mode))
+        fail(S_ISDIR(status.st_mode) ? EISDIR : EEXIST);
     return status.st_mode & 0777;
 }
 
@@ -123,12 +126,11 @@ void AtomicFile::write(const QString &path, const QByteArray &content, Access ac
     const QString linked = QFileInfo(path).canonicalFilePath();
     const QString target = linked.isEmpty() ? path : linked;
     const QByteArray targetName = QFile::encodeName(target);
+    const std::optional<mode_t> mode = modeOf(targetName);
 
     TemporaryFile file(QFileInfo(target).path(), access == Access::ownerOnly ? 0600 : 0666);
-    if (access == Access::asUsual) {
-        if (const std::optional<mode_t> mode = modeOf(targetName))
-            file.setMode(*mode);
-    }
+    if (access == Access::asUsual && mode)
+        file.setMode(*mode);
     file.write(content);
     file.waitForDisk();
     file.replace(targetName);

@@ -16,8 +16,9 @@ public:
         asUsual
     };
 
-    // Puts `content` under `path`, replacing what is there; a symbolic link is followed, not replaced. On
-    // return the bytes are on the disk. Throws a SystemError, and leaves the old file as it was. Any thread.
+    // Puts `content` under `path`, replacing the file that is there; a symbolic link is followed, not
+    // replaced. On return the bytes are on the disk. Throws a SystemError, and leaves the old file as it was.
+    // Any thread.
     static void write(const QString &path, const QByteArray &content, Access access = Access::ownerOnly);
 
     // Removes the temporary files that interrupted writes left in `folder` (its subfolders apart), and

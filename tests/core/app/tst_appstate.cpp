@@ -1,4 +1,5 @@
 #include "core/app/ChatGeneration.h"
+#include "core/chat/ExportFileName.h"
 #include "support/AppUnderTest.h"
 #include "support/Table.h"
 #include "support/Waiting.h"
@@ -277,6 +278,27 @@ private Q_SLOTS:
         QCOMPARE(speed(true, 1, 0), std::nullopt);
     }
 
+    void exportNames_data()
+    {
+        const auto row = table<QString, QString>("title", "name");
+        row("slash", u"a/b"_s, u"a-b.md"_s);
+        row("several lines", u"a\r\nb\u2028c\td\n"_s, u"a  b c d.md"_s);
+        row("control", u"a\u0000\u001b\u009bb"_s, u"ab.md"_s);
+        row("direction", u"a\u202etxt\u2066.\u200f"_s, u"atxt..md"_s);
+        row("hidden", u" -/.- a.-"_s, u"a.-.md"_s);
+        row("nothing left", u"../.."_s, u"Chat.md"_s);
+        row("long", u"x"_s.repeated(101), u"x"_s.repeated(100) + u".md"_s);
+        row("within a character", u"x"_s + u"👨‍👩‍👧"_s.repeated(9),
+            u"x"_s + u"👨‍👩‍👧"_s.repeated(5) + u".md"_s);
+        row("one endless character", u"𝛼"_s + u"\u0301"_s.repeated(90),
+            u"𝛼"_s + u"\u0301"_s.repeated(48) + u".md"_s);
+    }
+    void exportNames()
+    {
+        QFETCH(const QString, title);
+        QTEST(exportFileName(title), "name");
+    }
+
     void exportsUnderTheTitle()
     {
         AppUnderTest app;
@@ -288,7 +310,7 @@ private Q_SLOTS:
         app.desktop.answer = app.sandbox.path(u"chosen.md"_s);
         app->exportMarkdown(id);
         QTRY_VERIFY(QFile::exists(*app.desktop.answer));
-        QCOMPARE(app.desktop.asked.last(), u"..-b-ü.md"_s);
+        QCOMPARE(app.desktop.asked.last(), u"b-ü.md"_s);
     }
 
     void settingsAreStored()

@@ -9,6 +9,8 @@
 #include <atomic>
 #include <thread>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -69,6 +71,12 @@ private Q_SLOTS:
         for (const QString &name : {u"A.JSON"_s, u"notes.txt"_s, u".json"_s, u"folder.json/x"_s})
             put(u"skipped"_s, count + 3, name);
         m_folder->put(u"broken.json"_s, "{");
+        // What would never end, or take all memory, were it read.
+        const QString pipe = m_folder->filePath(u"pipe"_s);
+        QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        QVERIFY(QFile::link(pipe, m_folder->filePath(u"link.json"_s)));
+        QVERIFY(QFile::link(u"/dev/zero"_s, m_folder->filePath(u"zero.json"_s)));
+        QVERIFY(QFile::resize(m_folder->put(u"sparse.json"_s, "{"), 40'000'000'000));
         const QStringList before = m_folder->entries();
         m_folder->put(u".tarnwick-0123456789abcdef.tmp"_s, "left by a crash");
 

@@ -39,6 +39,16 @@ private Q_SLOTS:
         QCOMPARE(m_folder->entries(), (QStringList{u"file"_s, u"link"_s}));
     }
 
+    void leavesWhatIsNoFile()
+    {
+        const QByteArray pipe = QFile::encodeName(m_folder->filePath(u"pipe"_s));
+        QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
+        QVERIFY_THROWS_EXCEPTION(SystemError, AtomicFile::write(QFile::decodeName(pipe), "new"));
+        struct stat status = {};
+        QVERIFY(::stat(pipe.constData(), &status) == 0 && S_ISFIFO(status.st_mode));
+        QCOMPARE(m_folder->entries().size(), 2);
+    }
+
     void permissions()
     {
         const QString other = m_folder->filePath(u"other"_s);

@@ -2,6 +2,7 @@
 
 #include "platform/error/SystemError.h"
 #include "platform/files/AtomicFile.h"
+#include "platform/files/RegularFile.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -86,11 +87,10 @@ QString fileName(const QStringList &arguments)
 QHash<QString, QString> readEntry(const QString &path)
 {
     QHash<QString, QString> values;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return values;
+    constexpr qint64 mostBytes = 1024 * 1024;
+    const QByteArray content = readRegularFile(path, mostBytes).value_or(QByteArray());
     bool inEntry = false;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
+    const QStringList lines = QString::fromUtf8(content).split(u'\n');
     for (const QString &line : lines) {
         const QString text = line.trimmed();
         const qsizetype equals = text.indexOf(u'=');
