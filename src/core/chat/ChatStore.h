@@ -1,6 +1,6 @@
 // Every conversation, held in memory, ordered by recency and kept in one file each; also which of them is
 // shown. Nothing here fails aloud: what cannot be read stays on the disk, what cannot be written stays in
-// memory.
+// memory and is tried again.
 #pragma once
 
 #include "core/chat/Conversation.h"

@@ -6,30 +6,71 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QTimer>
 
 #include <utility>
 
-ConversationWriter::ConversationWriter() : m_progress(std::make_shared<Progress>()), m_queue(1) {}
+namespace {
 
-ConversationWriter::~ConversationWriter() = default;
+bool writes(const QString &path, const QByteArray &content)
+{
+    // Somebody may have tidied it away meanwhile.
+    makePrivateFolder(QFileInfo(path).path());
+    try {
+        AtomicFile::write(path, content);
+        return true;
+    } catch (const Error &) {
+        return false;
+    }
+}
+
+bool removes(const QString &path)
+{
+    return QFile::remove(path) || !QFile::exists(path);
+}
+
+bool succeeds(const QString &path, const std::optional<QByteArray> &content)
+{
+    return content ? writes(path, *content) : removes(path);
+}
+
+} // namespace
+
+ConversationWriter::ConversationWriter(std::chrono::milliseconds retryPause)
+    : m_progress(std::make_shared<Progress>()), m_queue(1)
+{
+    QTimer &retry = m_progress->retry;
+    retry.setInterval(retryPause);
+    QObject::connect(&retry, &QTimer::timeout, &retry, [this] { post([this] { retryFailed(); }); });
+}
+
+ConversationWriter::~ConversationWriter()
+{
+    m_progress->retry.disconnect();
+    m_queue.post([this] { retryFailed(); });
+}
 
 void ConversationWriter::write(const QString &path, const QByteArray &content)
 {
-    post([path, content] {
-        // Somebody may have tidied it away meanwhile.
-        makePrivateFolder(QFileInfo(path).path());
-        try {
-            AtomicFile::write(path, content);
-        } catch (const Error &) {
-            // The conversation stays in memory, and its next save tries again.
-        }
-    });
+    post([this, path, content] { carryOut(path, content); });
 }
 
 void ConversationWriter::remove(const QString &path)
 {
-    post([path] { QFile::remove(path); });
+    post([this, path] { carryOut(path, std::nullopt); });
+}
+
+void ConversationWriter::carryOut(const QString &path, const std::optional<QByteArray> &content)
+{
+    m_failed.remove(path);
+    if (succeeds(path, content))
+        retryFailed();
+    else
+        m_failed.insert(path, content);
+}
+
+void ConversationWriter::retryFailed()
+{
+    m_failed.removeIf([](const auto &asked) { return succeeds(asked.key(), asked.value()); });
 }
 
 int ConversationWriter::pending() const
@@ -45,9 +86,13 @@ Task<bool> ConversationWriter::finished(std::chrono::milliseconds limit) const
 void ConversationWriter::post(std::function<void()> work)
 {
     ++m_progress->pending;
-    m_queue.post([work = std::move(work), progress = m_progress] {
+    m_queue.post([this, work = std::move(work), progress = m_progress] {
         work();
-        postToMain([progress] {
+        postToMain([progress, hasFailed = !m_failed.isEmpty()] {
+            if (!hasFailed)
+                progress->retry.stop();
+            else if (!progress->retry.isActive())
+                progress->retry.start();
             if (--progress->pending > 0)
                 return;
             for (const Completion<bool> &waiter : std::exchange(progress->waiters, {}))

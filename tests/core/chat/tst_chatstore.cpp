@@ -1,5 +1,6 @@
 #include "core/chat/ChatStore.h"
 #include "core/chat/ConversationFile.h"
+#include "support/Table.h"
 #include "support/TestFolder.h"
 #include "support/Waiting.h"
 
@@ -175,6 +176,32 @@ private Q_SLOTS:
         QCOMPARE(unreadable, 0);
         QCOMPARE(m_folder->entries(), QStringList{ConversationFile::name(kept)});
         QVERIFY(read(kept)->title.endsWith(u"x1000"_s));
+    }
+
+    // What failed comes with the next success, or by itself; the last that was asked for counts.
+    void failuresAreTriedAgain_data()
+    {
+        const auto row = table<bool>("anotherSucceeds");
+        row("after a success", true);
+        row("after a while", false);
+    }
+    void failuresAreTriedAgain()
+    {
+        QFETCH(const bool, anotherSucceeds);
+        ConversationWriter writer(anotherSucceeds ? 1h : 1ms);
+        const QString obstacle = m_folder->put(u"chats"_s);
+        const QString path = obstacle + u"/a.json"_s;
+        writer.write(path, "old");
+        writer.write(path, "new");
+        writer.write(obstacle + u"/b.json"_s, "never");
+        writer.remove(obstacle + u"/b.json"_s);
+        QVERIFY(::waitFor(writer.finished(30s)));
+        QVERIFY(QFile::remove(obstacle));
+        if (anotherSucceeds)
+            writer.write(m_folder->filePath(u"c.json"_s), "c");
+        QTRY_COMPARE(m_folder->contentOf(u"chats/a.json"_s), "new"_ba);
+        QVERIFY(::waitFor(writer.finished(30s)));
+        QVERIFY(!QFile::exists(obstacle + u"/b.json"_s));
     }
 
     void savesOutliveTheStore()
