@@ -39,21 +39,16 @@ QByteArrayList plainLinesOf(QByteArray body)
 
 void decode(const QByteArray &bytes)
 {
-    const auto strict = WireFormat::object(bytes);
-    const auto lenient = WireFormat::lineObject(bytes);
-    // Whoever reads strictly reads leniently, and the same.
-    if (strict && strict != lenient)
+    const auto error = OllamaClient::parseError(bytes);
+    const auto pull = WireFormat::pullLine(bytes);
+    const auto chat = WireFormat::chatLine(bytes);
+    // Whether a text is an object does not depend on what is read of it.
+    if (pull.has_value() != chat.has_value() || (error && (!pull || pull->error != error)))
         std::abort();
-    if (OllamaClient::parseError(bytes) && !strict)
-        std::abort();
-    if (!lenient)
-        return;
-    WireFormat::pullProgress(*lenient);
-    WireFormat::chatChunk(*lenient);
-    WireFormat::modelDetails(*lenient);
-    WireFormat::installedModels(*lenient);
-    WireFormat::loadedModels(*lenient);
-    WireFormat::version(*lenient);
+    WireFormat::modelDetails(bytes);
+    WireFormat::installedModels(bytes);
+    WireFormat::loadedModels(bytes);
+    WireFormat::version(bytes);
 }
 
 } // namespace

@@ -18,11 +18,6 @@ std::optional<qint64> integerIn(const QJsonValue &value)
     return value.toInteger(number < 0 ? Limits::min() : Limits::max());
 }
 
-std::optional<QString> textIn(const QJsonValue &value)
-{
-    return value.isString() ? std::optional(value.toString()) : std::nullopt;
-}
-
 qint64 integerField(const QJsonObject &object, QLatin1StringView key)
 {
     return integerIn(object.value(key)).value_or(0);
@@ -42,15 +37,4 @@ QList<QJsonObject> objectsField(const QJsonObject &object, QLatin1StringView key
     for (const QJsonValue value : array)
         objects.append(value.toObject());
     return objects;
-}
-
-QStringList textsField(const QJsonObject &object, QLatin1StringView key)
-{
-    const QJsonArray array = object.value(key).toArray();
-    if (!std::all_of(array.begin(), array.end(), [](const QJsonValue &value) { return value.isString(); }))
-        return {};
-    QStringList texts;
-    for (const QJsonValue value : array)
-        texts.append(value.toString());
-    return texts;
 }

@@ -4,10 +4,13 @@
 #include "core/api/OllamaError.h"
 #include "core/api/WireFormat.h"
 #include "platform/async/Launch.h"
+#include "platform/async/Sleep.h"
+#include "platform/async/WorkerQueue.h"
 #include "platform/http/HttpClient.h"
 #include "platform/http/LineSplitter.h"
 #include "platform/http/TransportError.h"
 
+#include <QElapsedTimer>
 #include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
@@ -18,13 +21,28 @@ namespace {
 constexpr auto patience = 30s;
 constexpr auto livenessPatience = 2s;
 constexpr auto streamPatience = 900s;
+constexpr auto nextTurn = 0ms;
 
 // An engine faster than this program is slowed down rather than stored.
 constexpr qint64 streamReadAhead = 512 * 1024;
 
-// What is longer than these is no answer of an engine: a body without an end must not be read for ever.
-constexpr qint64 wholeAnswerLimit = 64 * 1024 * 1024;
+// What an endpoint answers at most, in bytes; what is longer is no answer of an engine, and cannot be read.
+// An installed model takes the engine some 500 bytes to tell, so 30,000 of them fit.
+constexpr qint64 versionLimit = 16 * 1024;
+constexpr qint64 installedLimit = 16 * 1024 * 1024;
+constexpr qint64 loadedLimit = 1024 * 1024;
+constexpr qint64 detailsLimit = 8 * 1024 * 1024;
+constexpr qint64 droppedLimit = 64 * 1024; // of an answer that nobody reads
 constexpr qint64 wholeErrorLimit = 64 * 1024;
+constexpr qint64 lineLimit = 8 * 1024 * 1024;
+
+// A stream is decoded in pieces of so many bytes. Where more is waiting the window gets its turn after so
+// long, however short the lines are.
+constexpr qint64 pieceLimit = 16 * 1024;
+constexpr auto turnLimit = 4ms;
+
+// Longer texts are decoded in the background.
+constexpr qsizetype briefText = 64 * 1024;
 
 // An error body of a stream is read up to the first byte past 8 KiB.
 constexpr qint64 errorBodyLimit = 8 * 1024 + 1;
@@ -50,45 +68,62 @@ HttpRequest request(const QUrl &base, const QByteArray &method, QLatin1StringVie
     return result;
 }
 
-Task<QJsonObject> json(HttpRequest request, StopToken stop)
+// The body of an answer with a success status; cut behind its limit, where it is JSON no longer.
+Task<QByteArray> answerTo(HttpRequest request, qint64 limit, StopToken stop)
 {
     const HttpTransfer transfer = HttpClient::shared().start(request, stop);
     const HttpHead head = co_await transfer.head();
-    const qint64 limit = head.status >= 400 ? wholeErrorLimit : wholeAnswerLimit;
-    const QByteArray body = co_await transfer.readAll(limit);
+    const QByteArray body = co_await transfer.readAll(head.status >= 400 ? wholeErrorLimit : limit);
     OllamaClient::check(head, body);
-    co_return WireFormat::object(body).value_or(QJsonObject());
+    co_return body;
 }
 
 Task<> succeed(HttpRequest request, StopToken stop)
 {
-    co_await json(std::move(request), std::move(stop));
+    co_await answerTo(std::move(request), droppedLimit, std::move(stop));
 }
 
 template <class Result>
-Task<Result> decoded(HttpRequest request, StopToken stop, Result (*decode)(const QJsonObject &))
+using Decode = Result (*)(QByteArrayView);
+
+template <class Result>
+Task<Result> decodedBehind(QByteArray text, Decode<Result> decode)
 {
-    const QJsonObject answer = co_await json(std::move(request), std::move(stop));
-    co_return decode(answer);
+    const auto work = [&text, decode] { return decode(text); };
+    co_return co_await WorkerQueue::shared().run(work);
+}
+
+template <class Result>
+Task<Result> decoded(HttpRequest request, qint64 limit, StopToken stop, Decode<Result> decode)
+{
+    const QByteArray answer = co_await answerTo(std::move(request), limit, std::move(stop));
+    if (answer.size() <= briefText)
+        co_return decode(answer);
+    co_return co_await decodedBehind(answer, decode);
 }
 
 template <class Record>
-using Decode = Record (*)(const QJsonObject &);
+using DecodedLine = std::optional<WireFormat::Line<Record>>;
 
 template <class Record>
-void yieldLine(QByteArrayView line, const typename Stream<Record>::Source &source, Decode<Record> decode)
+void yield(DecodedLine<Record> line, const typename Stream<Record>::Source &source)
 {
-    const std::optional<QJsonObject> object = WireFormat::lineObject(line);
-    if (!object)
+    if (!line)
         return;
-    if (const std::optional<QString> message = WireFormat::error(*object))
-        throw OllamaError::api(*message);
-    source.push(decode(*object));
+    if (line->error)
+        throw OllamaError::api(*line->error);
+    source.push(std::move(line->record));
+}
+
+template <class Record>
+Task<> yieldLine(QByteArray text, typename Stream<Record>::Source source, Decode<DecodedLine<Record>> decode)
+{
+    yield<Record>(co_await decodedBehind(text, decode), source);
 }
 
 template <class Record>
 Task<> readLines(HttpRequest request, StopToken stop, typename Stream<Record>::Source source,
-                 Decode<Record> decode)
+                 Decode<DecodedLine<Record>> decode)
 {
     const HttpTransfer transfer = HttpClient::shared().start(request, stop);
     const HttpHead head = co_await transfer.head();
@@ -97,22 +132,32 @@ Task<> readLines(HttpRequest request, StopToken stop, typename Stream<Record>::S
         errorBody = co_await transfer.readAll(errorBodyLimit);
     OllamaClient::check(head, errorBody);
 
-    LineSplitter lines;
+    LineSplitter lines(lineLimit);
+    QElapsedTimer turn;
+    turn.start();
     for (;;) {
-        const QByteArray bytes = co_await transfer.read();
+        const QByteArray bytes = co_await transfer.read(pieceLimit);
         if (bytes.isEmpty())
             break;
         lines.append(bytes);
-        while (const std::optional<QByteArrayView> line = lines.next())
-            yieldLine<Record>(*line, source, decode);
+        while (const std::optional<QByteArrayView> line = lines.next()) {
+            if (line->size() <= briefText)
+                yield<Record>(decode(*line), source);
+            else
+                co_await yieldLine<Record>(line->toByteArray(), source, decode);
+        }
+        if (bytes.size() == pieceLimit && std::chrono::milliseconds(turn.elapsed()) >= turnLimit) {
+            co_await sleepFor(nextTurn, stop);
+            turn.restart();
+        }
     }
     if (const std::optional<QByteArrayView> line = lines.rest())
-        yieldLine<Record>(*line, source, decode);
+        co_await yieldLine<Record>(line->toByteArray(), source, decode);
 }
 
 template <class Record>
 Task<> produce(HttpRequest request, StopToken stop, typename Stream<Record>::Source source,
-               Decode<Record> decode)
+               Decode<DecodedLine<Record>> decode)
 {
     try {
         co_await readLines<Record>(std::move(request), std::move(stop), source, decode);
@@ -123,7 +168,7 @@ Task<> produce(HttpRequest request, StopToken stop, typename Stream<Record>::Sou
 }
 
 template <class Record>
-Stream<Record> streamed(HttpRequest request, const StopToken &stop, Decode<Record> decode)
+Stream<Record> streamed(HttpRequest request, const StopToken &stop, Decode<DecodedLine<Record>> decode)
 {
     request.readBufferSize = streamReadAhead;
     Stream<Record> stream(stop);
@@ -141,14 +186,14 @@ OllamaClient::OllamaClient(int port) : m_baseURL(u"http://127.0.0.1:%1"_s.arg(po
 
 Task<QList<InstalledModel>> OllamaClient::tags(StopToken stop) const
 {
-    return decoded(request(m_baseURL, "GET", "api/tags"_L1, patience), std::move(stop),
-                   WireFormat::installedModels);
+    return decoded<QList<InstalledModel>>(request(m_baseURL, "GET", "api/tags"_L1, patience), installedLimit,
+                                          std::move(stop), WireFormat::installedModels);
 }
 
 Task<QList<LoadedModel>> OllamaClient::ps(StopToken stop) const
 {
-    return decoded(request(m_baseURL, "GET", "api/ps"_L1, patience), std::move(stop),
-                   WireFormat::loadedModels);
+    return decoded<QList<LoadedModel>>(request(m_baseURL, "GET", "api/ps"_L1, patience), loadedLimit,
+                                       std::move(stop), WireFormat::loadedModels);
 }
 
 Task<> OllamaClient::unload(const QString &name, StopToken stop) const
@@ -166,28 +211,28 @@ Task<> OllamaClient::deleteModel(const QString &name, StopToken stop) const
 Task<ModelDetails> OllamaClient::show(const QString &name, StopToken stop) const
 {
     const QJsonObject body{{"model"_L1, name}};
-    return decoded(request(m_baseURL, "POST", "api/show"_L1, patience, body), std::move(stop),
-                   WireFormat::modelDetails);
+    return decoded<ModelDetails>(request(m_baseURL, "POST", "api/show"_L1, patience, body), detailsLimit,
+                                 std::move(stop), WireFormat::modelDetails);
 }
 
 Task<QString> OllamaClient::version(StopToken stop) const
 {
-    return decoded(request(m_baseURL, "GET", "api/version"_L1, livenessPatience), std::move(stop),
-                   WireFormat::version);
+    return decoded<QString>(request(m_baseURL, "GET", "api/version"_L1, livenessPatience), versionLimit,
+                            std::move(stop), WireFormat::version);
 }
 
 Stream<PullProgress> OllamaClient::pull(const QString &name, StopToken stop) const
 {
     const QJsonObject body{{"model"_L1, name}, {"stream"_L1, true}};
-    return streamed(request(m_baseURL, "POST", "api/pull"_L1, streamPatience, body), stop,
-                    WireFormat::pullProgress);
+    return streamed<PullProgress>(request(m_baseURL, "POST", "api/pull"_L1, streamPatience, body), stop,
+                                  WireFormat::pullLine);
 }
 
 Stream<ChatChunk> OllamaClient::chat(const ChatRequest &chat, StopToken stop) const
 {
     const QJsonObject body = WireFormat::chatBody(chat);
-    return streamed(request(m_baseURL, "POST", "api/chat"_L1, streamPatience, body), stop,
-                    WireFormat::chatChunk);
+    return streamed<ChatChunk>(request(m_baseURL, "POST", "api/chat"_L1, streamPatience, body), stop,
+                               WireFormat::chatLine);
 }
 
 void OllamaClient::check(const HttpHead &head, const QByteArray &body)
@@ -201,6 +246,5 @@ void OllamaClient::check(const HttpHead &head, const QByteArray &body)
 
 std::optional<QString> OllamaClient::parseError(const QByteArray &data)
 {
-    const std::optional<QJsonObject> object = WireFormat::object(data);
-    return object ? WireFormat::error(*object) : std::nullopt;
+    return WireFormat::error(data);
 }

@@ -1,107 +1,232 @@
 #include "core/api/WireFormat.h"
 
-#include "core/api/Fields.h"
+#include "core/api/LenientJson.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
+using namespace LenientJson;
+
+namespace {
+
+using Kind = JsonReader::Kind;
+using PullLine = WireFormat::Line<PullProgress>;
+using ChatLine = WireFormat::Line<ChatChunk>;
+
+struct InstalledEntry
+{
+    std::optional<QString> name;
+    InstalledModel model;
+};
+
+struct LoadedEntry
+{
+    std::optional<QString> name;
+    std::optional<QString> model;
+    qint64 size = 0;
+};
+
+template <class Model>
+struct Models
+{
+    QList<Model> models;
+};
+
+struct Version
+{
+    QString version;
+};
+
+struct Failure
+{
+    std::optional<QString> error;
+};
+
+const Member<InstalledModel> installedDetails[] = {
+    {"family"_L1, field<&InstalledModel::family>},
+    {"parameter_size"_L1, field<&InstalledModel::parameterSize>},
+    {"quantization_level"_L1, field<&InstalledModel::quantization>},
+};
+
+void readInstalledDetails(JsonReader &reader, InstalledEntry &entry)
+{
+    entry.model.family = entry.model.parameterSize = entry.model.quantization = QString();
+    readObject(reader, entry.model, installedDetails);
+}
+
+const Member<InstalledEntry> installedMembers[] = {
+    {"name"_L1, field<&InstalledEntry::name>},
+    {"size"_L1, field<&InstalledEntry::model, &InstalledModel::size>},
+    {"details"_L1, readInstalledDetails},
+};
+
+const Member<LoadedEntry> loadedMembers[] = {
+    {"name"_L1, field<&LoadedEntry::name>},
+    {"model"_L1, field<&LoadedEntry::model>},
+    {"size"_L1, field<&LoadedEntry::size>},
+};
+
+std::optional<InstalledModel> modelOf(InstalledEntry &entry)
+{
+    if (!entry.name)
+        return std::nullopt;
+    entry.model.name = std::move(*entry.name);
+    return std::move(entry.model);
+}
+
+std::optional<LoadedModel> modelOf(LoadedEntry &entry)
+{
+    std::optional<QString> &name = entry.name ? entry.name : entry.model;
+    if (!name)
+        return std::nullopt;
+    return LoadedModel{.name = std::move(*name), .size = entry.size};
+}
+
+template <auto &members, class Entry, class Model>
+void readModels(JsonReader &reader, Models<Model> &answer)
+{
+    answer.models.clear();
+    const auto take = [&] {
+        Entry entry;
+        const bool isObject = readObject(reader, entry, members);
+        if (std::optional<Model> model = modelOf(entry))
+            answer.models.append(std::move(*model));
+        return isObject;
+    };
+    if (!readArray(reader, WireFormat::longestList, take))
+        answer.models.clear();
+}
+
+void readCapabilities(JsonReader &reader, ModelDetails &details)
+{
+    details.capabilities.clear();
+    const auto take = [&] {
+        std::optional<QString> text;
+        read(reader, text);
+        details.capabilities.append(text.value_or(QString()));
+        return text.has_value();
+    };
+    if (!readArray(reader, WireFormat::longestList, take))
+        details.capabilities.clear();
+}
+
+const Member<ModelDetails> detailsMembers[] = {
+    {"family"_L1, field<&ModelDetails::family>},
+    {"parameter_size"_L1, field<&ModelDetails::parameterSize>},
+    {"quantization_level"_L1, field<&ModelDetails::quantization>},
+};
+
+void readDetails(JsonReader &reader, ModelDetails &details)
+{
+    details.family = details.parameterSize = details.quantization = QString();
+    readObject(reader, details, detailsMembers);
+}
+
+// Of several lengths, the last one counts.
+void readInfo(JsonReader &reader, ModelDetails &details)
+{
+    details.contextLength.reset();
+    if (reader.next() != Kind::object) {
+        reader.skip();
+        return;
+    }
+    reader.beginObject();
+    while (const std::optional<QByteArrayView> name = reader.nextMember()) {
+        if (name->endsWith(".context_length") && reader.next() == Kind::number)
+            details.contextLength = reader.integer();
+        else
+            reader.skip();
+    }
+}
+
+const Member<ModelDetails> showMembers[] = {
+    {"parameters"_L1, field<&ModelDetails::parameters>},
+    {"license"_L1, field<&ModelDetails::license>},
+    {"capabilities"_L1, readCapabilities},
+    {"details"_L1, readDetails},
+    {"model_info"_L1, readInfo},
+};
+
+const Member<Models<InstalledModel>> tagsMembers[] = {
+    {"models"_L1, readModels<installedMembers, InstalledEntry, InstalledModel>}};
+const Member<Models<LoadedModel>> psMembers[] = {
+    {"models"_L1, readModels<loadedMembers, LoadedEntry, LoadedModel>}};
+const Member<Version> versionMembers[] = {{"version"_L1, field<&Version::version>}};
+const Member<Failure> failureMembers[] = {{"error"_L1, field<&Failure::error>}};
+
+const Member<PullLine> pullMembers[] = {
+    {"error"_L1, field<&PullLine::error>},
+    {"status"_L1, field<&PullLine::record, &PullProgress::status>},
+    {"digest"_L1, field<&PullLine::record, &PullProgress::digest>},
+    {"total"_L1, field<&PullLine::record, &PullProgress::total>},
+    {"completed"_L1, field<&PullLine::record, &PullProgress::completed>},
+};
+
+const Member<ChatChunk> messageMembers[] = {
+    {"content"_L1, field<&ChatChunk::content>},
+    {"thinking"_L1, field<&ChatChunk::thinking>},
+};
+
+void readMessage(JsonReader &reader, ChatLine &line)
+{
+    line.record.content = line.record.thinking = QString();
+    readObject(reader, line.record, messageMembers);
+}
+
+const Member<ChatLine> chatMembers[] = {
+    {"error"_L1, field<&ChatLine::error>},
+    {"message"_L1, readMessage},
+    {"done"_L1, field<&ChatLine::record, &ChatChunk::done>},
+    {"eval_count"_L1, field<&ChatLine::record, &ChatChunk::evalCount>},
+    {"eval_duration"_L1, field<&ChatLine::record, &ChatChunk::evalDuration>},
+};
+
+template <class Line, std::size_t count>
+std::optional<Line> lineIn(QByteArrayView text, const Member<Line> (&members)[count])
+{
+    std::optional<Line> line = recordIn(text, members);
+    if (!line && !text.isValidUtf8())
+        line = recordIn(QString::fromUtf8(text).toUtf8(), members);
+    return line;
+}
+
+} // namespace
 
 namespace WireFormat {
 
-std::optional<QJsonObject> object(const QByteArray &body)
+QList<InstalledModel> installedModels(QByteArrayView answer)
 {
-    const QJsonDocument document = QJsonDocument::fromJson(body);
-    return document.isObject() ? std::optional(document.object()) : std::nullopt;
+    return recordIn(answer, tagsMembers).value_or(Models<InstalledModel>()).models;
 }
 
-std::optional<QJsonObject> lineObject(QByteArrayView line)
+QList<LoadedModel> loadedModels(QByteArrayView answer)
 {
-    QJsonParseError problem;
-    QJsonDocument document =
-        QJsonDocument::fromJson(QByteArray::fromRawData(line.data(), line.size()), &problem);
-    if (problem.error == QJsonParseError::IllegalUTF8String)
-        document = QJsonDocument::fromJson(QString::fromUtf8(line).toUtf8());
-    return document.isObject() ? std::optional(document.object()) : std::nullopt;
+    return recordIn(answer, psMembers).value_or(Models<LoadedModel>()).models;
 }
 
-std::optional<QString> error(const QJsonObject &object)
+ModelDetails modelDetails(QByteArrayView answer)
 {
-    return textIn(object.value("error"_L1));
+    return recordIn(answer, showMembers).value_or(ModelDetails());
 }
 
-QList<InstalledModel> installedModels(const QJsonObject &answer)
+QString version(QByteArrayView answer)
 {
-    QList<InstalledModel> models;
-    const QList<QJsonObject> entries = objectsField(answer, "models"_L1);
-    for (const QJsonObject &entry : entries) {
-        const std::optional<QString> name = textIn(entry.value("name"_L1));
-        if (!name)
-            continue;
-        const QJsonObject details = entry.value("details"_L1).toObject();
-        models.append({.name = *name,
-                       .size = integerField(entry, "size"_L1),
-                       .family = textField(details, "family"_L1),
-                       .parameterSize = textField(details, "parameter_size"_L1),
-                       .quantization = textField(details, "quantization_level"_L1)});
-    }
-    return models;
+    return recordIn(answer, versionMembers).value_or(Version()).version;
 }
 
-QList<LoadedModel> loadedModels(const QJsonObject &answer)
+std::optional<QString> error(QByteArrayView body)
 {
-    QList<LoadedModel> models;
-    const QList<QJsonObject> entries = objectsField(answer, "models"_L1);
-    for (const QJsonObject &entry : entries) {
-        std::optional<QString> name = textIn(entry.value("name"_L1));
-        if (!name)
-            name = textIn(entry.value("model"_L1));
-        if (name)
-            models.append({.name = *name, .size = integerField(entry, "size"_L1)});
-    }
-    return models;
+    return recordIn(body, failureMembers).value_or(Failure()).error;
 }
 
-ModelDetails modelDetails(const QJsonObject &answer)
+std::optional<Line<PullProgress>> pullLine(QByteArrayView line)
 {
-    const QJsonObject details = answer.value("details"_L1).toObject();
-    ModelDetails result{.parameters = textField(answer, "parameters"_L1),
-                        .contextLength = {},
-                        .quantization = textField(details, "quantization_level"_L1),
-                        .family = textField(details, "family"_L1),
-                        .parameterSize = textField(details, "parameter_size"_L1),
-                        .license = textField(answer, "license"_L1),
-                        .capabilities = textsField(answer, "capabilities"_L1)};
-    const QJsonObject info = answer.value("model_info"_L1).toObject();
-    for (auto entry = info.begin(); entry != info.end(); ++entry) {
-        const std::optional<qint64> number = integerIn(entry.value());
-        if (number && entry.key().endsWith(".context_length"_L1))
-            result.contextLength = number;
-    }
-    return result;
+    return lineIn(line, pullMembers);
 }
 
-QString version(const QJsonObject &answer)
+std::optional<Line<ChatChunk>> chatLine(QByteArrayView line)
 {
-    return textField(answer, "version"_L1);
-}
-
-PullProgress pullProgress(const QJsonObject &line)
-{
-    return {.status = textField(line, "status"_L1),
-            .digest = textIn(line.value("digest"_L1)),
-            .total = integerField(line, "total"_L1),
-            .completed = integerField(line, "completed"_L1)};
-}
-
-ChatChunk chatChunk(const QJsonObject &line)
-{
-    const QJsonObject message = line.value("message"_L1).toObject();
-    return {.content = textField(message, "content"_L1),
-            .thinking = textField(message, "thinking"_L1),
-            .done = line.value("done"_L1).toBool(),
-            .evalCount = integerField(line, "eval_count"_L1),
-            .evalDuration = integerField(line, "eval_duration"_L1)};
+    return lineIn(line, chatMembers);
 }
 
 QJsonObject chatBody(const ChatRequest &request)

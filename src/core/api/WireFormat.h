@@ -1,4 +1,6 @@
-// The engine's wire format: its records from JSON and the bodies of requests, each step a pure function.
+// The engine's wire format: its records from JSON and the bodies of requests, each step a pure function that
+// any thread may call. Records are read straight from the text, which takes a few times its size at most:
+// a tree of JSON values takes up to a hundred times as much.
 #pragma once
 
 #include "core/api/ChatChunk.h"
@@ -8,30 +10,42 @@
 #include "core/api/ModelDetails.h"
 #include "core/api/PullProgress.h"
 
-#include <QByteArray>
 #include <QByteArrayView>
 #include <QJsonObject>
 #include <QList>
+#include <QString>
 
 #include <optional>
 
+// A field that is missing or of another type takes the record's default, and so does every field of a text
+// that is no JSON object.
 namespace WireFormat {
 
-// The body's object; nothing when it is not valid JSON or something else than an object.
-std::optional<QJsonObject> object(const QByteArray &body);
+// A list with more elements makes its whole text unreadable.
+constexpr qsizetype longestList = 100'000;
 
-// The same for one line of a stream, whose bytes that are not UTF-8 read as U+FFFD.
-std::optional<QJsonObject> lineObject(QByteArrayView line);
+// Lists of which an element has another type are empty.
+QList<InstalledModel> installedModels(QByteArrayView answer);
+QList<LoadedModel> loadedModels(QByteArrayView answer);
+ModelDetails modelDetails(QByteArrayView answer);
+QString version(QByteArrayView answer);
 
-// The engine's error text in an answer or a line.
-std::optional<QString> error(const QJsonObject &object);
+// The engine's error text in the body of an answer.
+std::optional<QString> error(QByteArrayView body);
 
-QList<InstalledModel> installedModels(const QJsonObject &answer);
-QList<LoadedModel> loadedModels(const QJsonObject &answer);
-ModelDetails modelDetails(const QJsonObject &answer);
-QString version(const QJsonObject &answer);
-PullProgress pullProgress(const QJsonObject &line);
-ChatChunk chatChunk(const QJsonObject &line);
+// One line of a stream. Bytes of it that are not UTF-8 read as U+FFFD.
+template <class Record>
+struct Line
+{
+    Record record;
+    std::optional<QString> error; // the engine's error text, which ends the stream
+
+    bool operator==(const Line &) const = default;
+};
+
+// Nothing for what is no JSON object.
+std::optional<Line<PullProgress>> pullLine(QByteArrayView line);
+std::optional<Line<ChatChunk>> chatLine(QByteArrayView line);
 
 QJsonObject chatBody(const ChatRequest &request);
 

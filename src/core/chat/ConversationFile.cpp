@@ -1,6 +1,6 @@
 #include "core/chat/ConversationFile.h"
 
-#include "core/chat/JsonReader.h"
+#include "platform/text/JsonReader.h"
 #include "core/chat/StoredText.h"
 
 #include <QJsonArray>

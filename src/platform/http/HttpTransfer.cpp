@@ -55,9 +55,9 @@ Task<HttpHead> HttpTransfer::head() const
     return headOf(m_exchange);
 }
 
-Task<QByteArray> HttpTransfer::read() const
+Task<QByteArray> HttpTransfer::read(qint64 limit) const
 {
-    return readFrom(m_exchange, everything);
+    return readFrom(m_exchange, limit < 0 ? everything : limit);
 }
 
 Task<QByteArray> HttpTransfer::readAll(qint64 limit) const

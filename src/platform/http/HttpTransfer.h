@@ -34,9 +34,9 @@ public:
     // The head of the answer; of the last one where redirects are followed. Throws TransportError.
     Task<HttpHead> head() const;
 
-    // What has arrived of the body and was not read yet, at least one byte; empty at the end. Throws
-    // TransportError, behind the bytes that came before the failure.
-    Task<QByteArray> read() const;
+    // What has arrived of the body and was not read yet, at least one byte and at most `limit`; -1 is no
+    // limit. Empty at the end. Throws TransportError, behind the bytes that came before the failure.
+    Task<QByteArray> read(qint64 limit = -1) const;
 
     // The rest of the body, or its first `limit` bytes; -1 is no limit. Throws TransportError.
     Task<QByteArray> readAll(qint64 limit = -1) const;

@@ -1,14 +1,24 @@
-#include "core/api/Fields.h"
 #include "core/api/OllamaError.h"
 #include "core/api/WireFormat.h"
 #include "platform/error/SimpleError.h"
 #include "platform/http/TransportError.h"
 #include "support/DemoEngine.h"
+#include "support/RawServer.h"
 #include "support/Streams.h"
 
 #include <limits>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+using PullLine = WireFormat::Line<PullProgress>;
+using ChatLine = WireFormat::Line<ChatChunk>;
+
+// What stands for a line that cannot be read.
+const PullLine unread{.record = {.total = -1}, .error = {}};
+
+} // namespace
 
 class OllamaClientTest : public QObject
 {
@@ -19,10 +29,6 @@ class OllamaClientTest : public QObject
     static QString sentenceFor(const E &error)
     {
         return Friendly::message(std::make_exception_ptr(error));
-    }
-    static QJsonObject json(const QByteArray &text)
-    {
-        return WireFormat::object(text).value_or(QJsonObject{{u"not an object"_s, QString::fromUtf8(text)}});
     }
     const ChatRequest m_hello{.model = u"phi3.5"_s, .messages = {{u"user"_s, u"hello"_s}}};
 
@@ -145,20 +151,22 @@ private Q_SLOTS:
     {
         using Limits = std::numeric_limits<qint64>;
         const auto number = [](const char *text) {
-            return integerIn(json("{\"n\":" + QByteArray(text) + "}").value("n"_L1));
+            return WireFormat::pullLine("{\"total\":" + QByteArray(text) + "}").value_or(unread).record.total;
         };
         QCOMPARE(number("-1.5"), -1);
         QCOMPARE(number("9007199254740993"), 9007199254740993);
         QCOMPARE(number("1e300"), Limits::max());
         QCOMPARE(number("-1e300"), Limits::min());
         for (const char *const other : {"\"5\"", "true", "null"})
-            QCOMPARE(number(other), std::nullopt);
+            QCOMPARE(number(other), 0);
+        for (const char *const other : {"01", "-", "1.", "+1", "0x1", "1e"})
+            QCOMPARE(number(other), -1);
     }
 
     void models()
     {
         using Installed = QList<InstalledModel>;
-        const auto installed = [](const char *answer) { return WireFormat::installedModels(json(answer)); };
+        const auto installed = [](const char *answer) { return WireFormat::installedModels(answer); };
         QCOMPARE(installed(R"({"models":{"name":"a"}})"), Installed());
         QCOMPARE(installed(R"({"models":[{"name":"a"},7]})"), Installed());
         QCOMPARE(installed(R"({"models":[{"name":"b","size":9,"details":{"family":"f","parameter_size":"p",
@@ -168,13 +176,13 @@ private Q_SLOTS:
                  (Installed{{u"b"_s, 9, u"f"_s, u"p"_s, u"q"_s}, {u"c"_s}, {u"a"_s}}));
 
         using Loaded = QList<LoadedModel>;
-        const auto loaded = [](const char *answer) { return WireFormat::loadedModels(json(answer)); };
+        const auto loaded = [](const char *answer) { return WireFormat::loadedModels(answer); };
         QCOMPARE(loaded(R"({"models":[{"name":"a"},"b"]})"), Loaded());
         QCOMPARE(loaded(R"({"models":[{"name":"a","model":"x","size":1.9},{"model":"b"},
                             {"name":1,"model":"c","size":"9"},{"name":null},{}]})"),
                  (Loaded{{u"a"_s, 1}, {u"b"_s, 0}, {u"c"_s, 0}}));
 
-        const auto details = [](const char *answer) { return WireFormat::modelDetails(json(answer)); };
+        const auto details = [](const char *answer) { return WireFormat::modelDetails(answer); };
         QCOMPARE(details(R"({"parameters":"a\nb","license":"MIT","capabilities":["completion","thinking"],
                              "details":{"family":"f","parameter_size":"p","quantization_level":"q"},
                              "model_info":{"general.parameter_count":5,"llama.context_length":131072}})"),
@@ -187,23 +195,61 @@ private Q_SLOTS:
 
     void lines()
     {
-        const auto pull = [](const char *line) { return WireFormat::pullProgress(json(line)); };
+        const auto pull = [](const char *line) { return WireFormat::pullLine(line).value_or(unread).record; };
         QCOMPARE(pull(R"({"status":"s","digest":"d","total":9,"completed":5})"),
                  (PullProgress{u"s"_s, u"d"_s, 9, 5}));
         QCOMPARE(pull(R"({"status":1,"digest":null,"total":"9","completed":true})"), PullProgress());
 
-        const auto chat = [](const char *line) { return WireFormat::chatChunk(json(line)); };
+        const ChatLine silence{.record = {.evalCount = -1}, .error = {}};
+        const auto chat = [&](const char *line) {
+            return WireFormat::chatLine(line).value_or(silence).record;
+        };
         QCOMPARE(chat(R"({"message":{"content":"c","thinking":"t"},"done":true,"eval_count":3,
                           "eval_duration":4})"),
                  (ChatChunk{u"c"_s, u"t"_s, true, 3, 4}));
         QCOMPARE(chat(R"({"message":"c","done":1,"eval_count":"3"})"), ChatChunk());
 
         // One that is not UTF-8 counts, one that is no object does not, however deep.
-        const QJsonObject odd = WireFormat::lineObject("{\"error\":\"a\xff\xc3(\"}").value_or(QJsonObject());
-        QCOMPARE(WireFormat::error(odd), std::optional(u"a\uFFFD\uFFFD("_s));
+        const ChatLine odd = WireFormat::chatLine("{\"error\":\"a\xff\xc3(\"}").value_or(silence);
+        QCOMPARE(odd.error, std::optional(u"a\uFFFD\uFFFD("_s));
         const QByteArray deep = QByteArray("{\"a\":").repeated(100'000) + '1' + QByteArray(100'000, '}');
-        for (const QByteArray &line : QByteArrayList{"", " ", "{\"a\":", "[{}]", "7", "{} {}", deep})
-            QVERIFY(!WireFormat::lineObject(line) && !OllamaClient::parseError(line));
+        for (const QByteArray &line :
+             QByteArrayList{"", " ", "{\"a\":", "[{}]", "7", "{} {}", "{\"a\":\"\\x\"}", deep})
+            QVERIFY(!WireFormat::pullLine(line) && !OllamaClient::parseError(line));
+    }
+
+    // What is larger than anything that the engine has to say is not kept, and no number of tiny values
+    // either.
+    void tooMuch()
+    {
+        const auto models = [](qsizetype count) {
+            const QByteArray list = QByteArray("{\"name\":\"a\"},").repeated(count);
+            return "{\"models\":[" + list.chopped(1) + "]}";
+        };
+        QCOMPARE(WireFormat::installedModels(models(WireFormat::longestList)).size(),
+                 WireFormat::longestList);
+        QVERIFY(WireFormat::installedModels(models(WireFormat::longestList + 1)).isEmpty());
+
+        QByteArray answer;
+        const RawServer server([&](QTcpSocket &socket) {
+            socket.write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(answer.size()) +
+                         "\r\n\r\n");
+            socket.write(answer);
+        });
+        const OllamaClient engine(server.serverPort());
+        const auto padded = [](qsizetype size) {
+            return "{\"models\":[{\"name\":\"a\"}],\"version\":\"1\",\"pad\":\"" + QByteArray(size, '.') +
+                   "\"}";
+        };
+        answer = padded(10 << 20);
+        QCOMPARE(::waitFor(engine.tags()).size(), 1);
+        QVERIFY(::waitFor(engine.ps()).isEmpty());
+        answer = padded(1 << 20);
+        QCOMPARE(::waitFor(engine.version()), QString());
+        // A line that is too long is passed over like one that cannot be read.
+        answer =
+            "{\"message\":{\"content\":\"a\"}}\n" + padded(9 << 20) + "\n{\"message\":{\"content\":\"b\"}}";
+        QCOMPARE(::waitFor(readChat(engine.chat(m_hello))).records, 2);
     }
 };
 

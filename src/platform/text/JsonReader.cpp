@@ -1,8 +1,11 @@
-#include "core/chat/JsonReader.h"
+#include "platform/text/JsonReader.h"
 
 #include <QStringDecoder>
 
 #include <array>
+#include <cmath>
+#include <limits>
+#include <tuple>
 
 namespace {
 
@@ -78,6 +81,26 @@ JsonReader::JsonReader(QByteArrayView text) : m_next(text.data()), m_end(text.da
         fail();
 }
 
+JsonReader::Kind JsonReader::next()
+{
+    const char first = peek();
+    switch (first) {
+    case '{':
+        return Kind::object;
+    case '[':
+        return Kind::array;
+    case '"':
+        return Kind::string;
+    case 't':
+    case 'f':
+        return Kind::boolean;
+    case 'n':
+        return Kind::null;
+    default:
+        return first == '-' || isDigit(first) ? Kind::number : Kind::nothing;
+    }
+}
+
 void JsonReader::beginObject()
 {
     m_isFirst = true;
@@ -137,6 +160,33 @@ QString JsonReader::string()
 
 double JsonReader::number()
 {
+    bool isNumber = false;
+    const double value = rawNumber().toDouble(&isNumber);
+    if (!isNumber)
+        fail();
+    return value;
+}
+
+qint64 JsonReader::integer()
+{
+    const QByteArrayView raw = rawNumber();
+    bool isWhole = false;
+    const qint64 whole = raw.toLongLong(&isWhole);
+    if (isWhole)
+        return whole;
+    bool isNumber = false;
+    const double value = std::trunc(raw.toDouble(&isNumber));
+    if (!isNumber)
+        fail();
+    constexpr double limit = 9'223'372'036'854'775'808.0; // two to the power of 63
+    if (value >= limit)
+        return std::numeric_limits<qint64>::max();
+    return value < -limit ? std::numeric_limits<qint64>::min() : static_cast<qint64>(value);
+}
+
+// A number as it is spelled; empty when there is none.
+QByteArrayView JsonReader::rawNumber()
+{
     peek();
     const char *const start = m_next;
     takeNow('-');
@@ -150,11 +200,7 @@ double JsonReader::number()
             takeNow('-');
         takeDigits();
     }
-    bool isNumber = false;
-    const double value = m_failed ? 0 : QByteArrayView(start, m_next).toDouble(&isNumber);
-    if (!isNumber)
-        fail();
-    return value;
+    return m_failed ? QByteArrayView() : QByteArrayView(start, m_next);
 }
 
 bool JsonReader::boolean()
@@ -173,32 +219,44 @@ bool JsonReader::takeNull()
 
 void JsonReader::skip()
 {
+    bool isNumber = true;
     if (++m_depth > deepest)
         fail();
-    switch (peek()) {
-    case '{':
+    switch (next()) {
+    case Kind::object:
         beginObject();
         while (nextMember())
             skip();
         break;
-    case '[':
+    case Kind::array:
         beginArray();
         while (nextElement())
             skip();
         break;
-    case '"':
-        string();
+    case Kind::string: {
+        const QByteArrayView raw = rawString();
+        if (m_hasEscapes)
+            unescaped(raw);
         break;
-    case 't':
-    case 'f':
+    }
+    case Kind::number: {
+        // Only a long one can be out of range, and converting millions takes its time.
+        const QByteArrayView raw = rawNumber();
+        if (raw.size() > 300 || raw.contains('e') || raw.contains('E'))
+            std::ignore = raw.toDouble(&isNumber);
+        if (!isNumber)
+            fail();
+        break;
+    }
+    case Kind::boolean:
         boolean();
         break;
-    case 'n':
+    case Kind::null:
         if (!takeNull())
             fail();
         break;
-    default:
-        number();
+    case Kind::nothing:
+        fail();
     }
     --m_depth;
 }
