@@ -225,43 +225,44 @@ const std::optional<QUuid> &AppState::generatingID() const
     return m_replies->generatingID();
 }
 
-void AppState::send(const QString &text, const QUuid &id)
+bool AppState::send(const QString &text, const QUuid &id)
 {
     const QString trimmed = text.trimmed();
-    if (trimmed.isEmpty() || generatingID())
-        return;
+    if (trimmed.isEmpty() || !canGenerate(id))
+        return false;
     m_chats.mutate(id, [&trimmed](Conversation &conversation) {
         conversation.messages.append(ChatMessage::make(u"user"_s, trimmed));
         if (conversation.title == Conversation::newTitle())
             conversation.title = ChatGeneration::titleFrom(trimmed);
     });
     generate(id);
+    return true;
+}
+
+bool AppState::canGenerate(const QUuid &id)
+{
+    // Once quitting has begun no task would come to clear the mark again.
+    if (generatingID() || quitToken().stopRequested())
+        return false;
+    const Conversation *const conversation = m_chats.find(id);
+    if (conversation && conversation->model.isEmpty())
+        setBanner(tr("Pick an installed model at the top of the chat first."));
+    return conversation && !conversation->model.isEmpty();
 }
 
 void AppState::generate(const QUuid &id)
 {
-    // Once quitting has begun no task would come to clear the mark again.
-    if (generatingID() || quitToken().stopRequested())
-        return;
-    const Conversation *const conversation = m_chats.find(id);
-    if (!conversation)
-        return;
-    const QString model = conversation->model;
-    if (model.isEmpty()) {
-        setBanner(tr("Pick an installed model at the top of the chat first."));
-        return;
-    }
-    m_replies->start(id,
-                     ChatGeneration::request(*conversation, settings(model), capabilities().value(model)));
+    const Conversation &conversation = *m_chats.find(id);
+    const QString model = conversation.model;
+    m_replies->start(id, ChatGeneration::request(conversation, settings(model), capabilities().value(model)));
 }
 
 void AppState::regenerate(const QUuid &id)
 {
-    if (generatingID())
+    if (!canGenerate(id))
         return;
-    const Conversation *const conversation = m_chats.find(id);
-    if (conversation && !conversation->messages.isEmpty() &&
-        conversation->messages.last().role == "assistant"_L1)
+    const QList<ChatMessage> &messages = m_chats.find(id)->messages;
+    if (!messages.isEmpty() && messages.last().role == "assistant"_L1)
         m_chats.mutate(id, [](Conversation &changed) { changed.messages.removeLast(); });
     generate(id);
 }
@@ -274,7 +275,7 @@ void AppState::stopGenerating()
 std::optional<QString> AppState::takeLastUserMessage(const QUuid &id)
 {
     const Conversation *const conversation = m_chats.find(id);
-    if (generatingID() || !conversation)
+    if (generatingID() || quitToken().stopRequested() || !conversation)
         return std::nullopt;
     const QList<ChatMessage> messages = conversation->messages;
     const auto isUsers = [](const ChatMessage &message) { return message.role == "user"_L1; };

@@ -93,14 +93,16 @@ public:
 
     // The conversation whose reply is streaming; at most one in the whole program.
     const std::optional<QUuid> &generatingID() const;
-    // Appends the user's message and has it answered. Does nothing for blank text or while a reply streams.
-    void send(const QString &text, const QUuid &id);
-    // Replaces the last reply. Does nothing while a reply streams.
+    // Appends the user's message and has it answered. Returns whether the text was taken: it is not when it
+    // is blank, while a reply streams or the program quits, nor where there is no such chat or it has no
+    // model.
+    bool send(const QString &text, const QUuid &id);
+    // Replaces the last reply. Does nothing where send() would take no text.
     void regenerate(const QUuid &id);
     // Ends the reply that is streaming, if any; what has arrived stays.
     void stopGenerating();
     // Removes the last message of the user with all that follow it and returns its text; nothing while a
-    // reply streams or when there is none.
+    // reply streams or the program quits, nor when there is none.
     std::optional<QString> takeLastUserMessage(const QUuid &id);
     // Asks for a file and writes the conversation to it; a failure becomes the banner.
     void exportMarkdown(const QUuid &id);
@@ -128,6 +130,8 @@ private:
     static Task<> statusLoop(QPointer<AppState> self, StopToken stop);
     static Task<> startAndRefresh(QPointer<AppState> self, StopToken stop);
     static Task<> exportTo(QPointer<AppState> self, Conversation conversation, StopToken stop);
+    // Whether a reply can begin; where the chat has no model, the banner says so.
+    bool canGenerate(const QUuid &id);
     void generate(const QUuid &id);
 
     UserDefaults &m_defaults;

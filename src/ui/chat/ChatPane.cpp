@@ -79,6 +79,16 @@ void ChatPane::focusInput()
     m_input->setFocus();
 }
 
+QString ChatPane::draft() const
+{
+    return m_input->draft();
+}
+
+void ChatPane::setDraft(const QString &draft)
+{
+    m_input->setDraft(draft);
+}
+
 bool ChatPane::isGenerating() const
 {
     return m_state.generatingID() == m_id;
@@ -108,8 +118,10 @@ void ChatPane::send()
     const QString draft = m_input->draft();
     if (draft.trimmed().isEmpty() || isGenerating())
         return;
-    m_input->clear();
-    m_state.send(draft, m_id);
+    if (m_state.send(draft, m_id))
+        m_input->clear();
+    else if (m_state.generatingID())
+        m_state.setBanner(tr("A reply is still being written in another chat. Send this when it has ended."));
 }
 
 void ChatPane::edit()
@@ -117,6 +129,8 @@ void ChatPane::edit()
     const std::optional<QString> draft = m_state.takeLastUserMessage(m_id);
     if (!draft)
         return;
-    m_input->setDraft(*draft);
+    // What was being written meanwhile stays behind it.
+    const QString written = m_input->draft();
+    setDraft(written.trimmed().isEmpty() ? *draft : *draft + "\n\n"_L1 + written);
     focusInput();
 }

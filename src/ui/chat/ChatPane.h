@@ -22,6 +22,9 @@ public:
 
     const QUuid &id() const { return m_id; }
     void focusInput();
+    // What is being written.
+    QString draft() const;
+    void setDraft(const QString &draft);
 
 private:
     void render();

@@ -124,6 +124,8 @@ void ChatView::renderPane()
     const std::optional<QUuid> selected = m_state.chats().selectedID();
     const bool exists = selected && m_state.chats().find(*selected);
     if (m_pane && (!exists || m_pane->id() != *selected)) {
+        if (m_state.chats().find(m_pane->id()))
+            m_drafts.insert(m_pane->id(), m_pane->draft());
         delete m_pane;
         m_pane = nullptr;
     }
@@ -131,6 +133,7 @@ void ChatView::renderPane()
     if (!exists || m_pane)
         return;
     m_pane = new ChatPane(m_state, m_desktop, *selected);
+    m_pane->setDraft(m_drafts.take(*selected));
     static_cast<QHBoxLayout *>(layout())->addWidget(m_pane, 1);
     // Whoever goes through the list with the keyboard stays there.
     if (isVisible() && !m_list->hasFocus() && !m_search->hasFocus())

@@ -1,6 +1,8 @@
 // The chat tab: the list of conversations with its search field on the left, the selected one on the right.
 #pragma once
 
+#include <QHash>
+#include <QString>
 #include <QUuid>
 #include <QWidget>
 
@@ -37,5 +39,6 @@ private:
     RowListView *const m_list;
     QWidget *const m_placeholder;
     ChatPane *m_pane = nullptr;
-    bool m_rendering = false; // what the list selects is then not the user's doing
+    QHash<QUuid, QString> m_drafts; // of the chats that are not shown
+    bool m_rendering = false;       // what the list selects is then not the user's doing
 };

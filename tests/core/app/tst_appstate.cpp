@@ -115,8 +115,8 @@ private Q_SLOTS:
         QTRY_VERIFY(app->capabilities().contains(u"qwen3:4b"_s));
         const QUuid id = app.newConversation(u"qwen3:4b"_s);
         app.newConversation();
-        app->send(u" \n "_s, id);
-        app->send(u"  echo One two, three four.\n"_s, id);
+        QVERIFY(!app->send(u" \n "_s, id));
+        QVERIFY(app->send(u"  echo One two, three four.\n"_s, id));
         QCOMPARE(app->generatingID(), id);
         QCOMPARE(app.contents(id).size(), 2);
         QVERIFY(app.replyEnds());
@@ -150,11 +150,16 @@ private Q_SLOTS:
         };
         const QUuid id = app.newConversation({});
         QCOMPARE(app->takeLastUserMessage(id), std::nullopt);
-        app->send(u"echo Hi"_s, id);
+        QVERIFY(!app->send(u"echo Hi"_s, id) && !app->send(u"echo Hi"_s, QUuid::createUuid()));
         QCOMPARE(app->banner(), u"Pick an installed model at the top of the chat first."_s);
-        QCOMPARE(app->generatingID(), std::nullopt);
+        app->chats().mutate(id, [](Conversation &conversation) {
+            conversation.messages = {ChatMessage::make(u"assistant"_s, u"kept"_s)};
+        });
+        app->regenerate(id);
+        QCOMPARE(app.contents(id), QStringList(u"kept"_s));
         regenerate(id, u"gone"_s);
-        QVERIFY(app.replyEnds());
+        QVERIFY(app.replyEnds() && app.contents(id).isEmpty());
+        QVERIFY(app->send(u"echo Hi"_s, id) && app.replyEnds());
         QCOMPARE(app->banner(), u"I couldn't find a model with that name in the Ollama library."_s);
         QCOMPARE(app.contents(id), QStringList(u"echo Hi"_s));
 
@@ -178,7 +183,7 @@ private Q_SLOTS:
         const QUuid other = app.newConversation();
         const QUuid id = app.newConversation();
         app->send(u"Hello"_s, id);
-        app->send(u"Hello"_s, other);
+        QVERIFY(!app->send(u"Hello"_s, other));
         app->regenerate(id);
         QCOMPARE(app->takeLastUserMessage(id), std::nullopt);
         QVERIFY(app.contents(other).isEmpty());
@@ -223,6 +228,7 @@ private Q_SLOTS:
         else
             beginQuitting();
         const bool ends = app.replyEnds();
+        QVERIFY(how != "quitting" || (!app->send(u"late"_s, id) && !app->takeLastUserMessage(id)));
         resumeAfterQuitting();
         QVERIFY(ends);
         QCOMPARE(app->banner(), std::nullopt);
