@@ -1,5 +1,6 @@
 #include "support/ReleaseServer.h"
 
+#include <QCryptographicHash>
 #include <QFile>
 #include <QProcess>
 #include <QSslCertificate>
@@ -129,16 +130,32 @@ InstallerOptions ReleaseServer::options() const
 void ReleaseServer::publish(const QByteArray &archive)
 {
     const QByteArray address = url(u"/download"_s).toEncoded();
-    setAnswer(recordPath, {.body = record(address, QByteArray::number(archive.size()))});
+    setAnswer(recordPath, {.body = record(address, QByteArray::number(archive.size()), digestOf(archive))});
     setAnswer(u"/download"_s, {.status = 302, .header = "Location: " + url(archivePath).toEncoded()});
     setAnswer(archivePath, {.body = archive});
 }
 
-QByteArray ReleaseServer::record(const QByteArray &address, const QByteArray &size)
+QByteArray ReleaseServer::record(const QByteArray &address, const QByteArray &size, const QByteArray &digest)
 {
-    return "{\"assets\":[{\"name\":\"" + InstallerOptions().assetName.toUtf8() + "\"," +
-           (size.isEmpty() ? QByteArray() : "\"size\":" + size + ',') + "\"browser_download_url\":\"" +
-           address + "\"}]}";
+    return "{\"assets\":[{\"name\":\"" + InstallerOptions().assetName.toUtf8() + "\",\"digest\":\"" + digest +
+           "\"," + (size.isEmpty() ? QByteArray() : "\"size\":" + size + ',') +
+           "\"browser_download_url\":\"" + address + "\"}]}";
+}
+
+QByteArray ReleaseServer::digestOf(const QByteArray &file)
+{
+    return "sha256:" + QCryptographicHash::hash(file, QCryptographicHash::Sha256).toHex();
+}
+
+QByteArray ReleaseServer::header(qsizetype index, const QByteArray &name) const
+{
+    const QByteArrayList lines = m_requests.value(index).split('\n');
+    for (const QByteArray &line : lines) {
+        const qsizetype colon = line.indexOf(':');
+        if (colon > 0 && line.first(colon).compare(name, Qt::CaseInsensitive) == 0)
+            return line.sliced(colon + 1).trimmed();
+    }
+    return {};
 }
 
 void ReleaseServer::release()

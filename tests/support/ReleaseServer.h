@@ -47,7 +47,11 @@ public:
     // A latest release whose record has `archive` as its asset for this system, behind a redirect.
     void publish(const QByteArray &archive);
     // The record of a release with one asset, `size` being a JSON text or empty.
-    static QByteArray record(const QByteArray &address, const QByteArray &size);
+    static QByteArray record(const QByteArray &address, const QByteArray &size,
+                             const QByteArray &digest = {});
+    static QByteArray digestOf(const QByteArray &file);
+    // The value of a header of the request that came as number `index`, however its name is written.
+    QByteArray header(qsizetype index, const QByteArray &name) const;
     // Sends what was held back, now and from now on.
     void release();
 

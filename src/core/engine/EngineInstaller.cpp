@@ -10,7 +10,6 @@
 #include "platform/files/RemoveTree.h"
 
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QUuid>
 
@@ -39,22 +38,16 @@ Task<> removeInBackground(QString folder)
     co_await WorkerQueue::shared().run(remove);
 }
 
-// The archive comes from outside, and what it holds may be meant for nobody else's eyes yet.
-void makeWorkFolder(const QString &folder)
-{
-    AppPaths::ensure(folder);
-    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-}
-
 Task<InstalledEngine> installNewest(std::shared_ptr<Course> course, InstallerOptions options,
                                     InstallReport report, StopToken stop)
 {
+    report(lookupStatus());
     makeWorkFolder(course->workFolder);
     const ReleaseAsset asset = co_await fetchAsset(options, report, stop);
     requireDiskSpace(asset.size);
     const QString archive = course->workFolder + u'/' + options.assetName;
-    co_await downloadArchive(asset, archive, options, report, stop);
-    requireWhole(archive, asset.size);
+    const QByteArray sha256 = co_await downloadArchive(asset, archive, options, report, stop);
+    requireWhole(archive, sha256, asset);
 
     report({EngineInstaller::tr("Unpacking…"), {}, false});
     const QString unpacked = course->workFolder + "/unpacked"_L1;

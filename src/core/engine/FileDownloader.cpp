@@ -7,6 +7,7 @@
 #include "platform/http/HttpClient.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QFile>
 
 #include <cerrno>
@@ -42,8 +43,9 @@ public:
             throw SystemError(errno);
     }
 
-    void write(const QByteArray &bytes) const
+    void write(const QByteArray &bytes)
     {
+        m_sum.addData(bytes);
         for (qsizetype done = 0; done < bytes.size();) {
             const ssize_t count =
                 ::write(m_descriptor, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
@@ -54,13 +56,15 @@ public:
         }
     }
 
-    void finish()
+    // The SHA-256 of what was written.
+    QByteArray finish()
     {
         // Some file systems only now say that the bytes did not fit.
         if (close() != 0 && errno != EINTR)
             throw SystemError(errno);
         if (std::rename(m_name.constData(), m_destination.constData()) != 0)
             throw SystemError(errno);
+        return m_sum.result();
     }
 
     void discard()
@@ -75,10 +79,11 @@ private:
     const QByteArray m_destination;
     const QByteArray m_name;
     int m_descriptor = -1;
+    QCryptographicHash m_sum{QCryptographicHash::Sha256};
 };
 
-Task<> receive(std::shared_ptr<PartialFile> file, FileDownloader::Progress onProgress, HttpRequest request,
-               StopToken stop)
+Task<QByteArray> receive(std::shared_ptr<PartialFile> file, FileDownloader::Progress onProgress,
+                         HttpRequest request, StopToken stop)
 {
     const HttpTransfer transfer = HttpClient::shared().start(request, stop);
     const HttpHead head = co_await transfer.head();
@@ -99,12 +104,12 @@ Task<> receive(std::shared_ptr<PartialFile> file, FileDownloader::Progress onPro
         const auto write = [file, bytes] { file->write(bytes); };
         co_await WorkerQueue::shared().run(write);
     }
-    const auto finish = [file] { file->finish(); };
-    co_await WorkerQueue::shared().run(finish);
+    const auto finish = [file] { return file->finish(); };
+    co_return co_await WorkerQueue::shared().run(finish);
 }
 
-Task<> downloadTo(QString destination, FileDownloader::Progress onProgress, HttpRequest request,
-                  StopToken stop)
+Task<QByteArray> downloadTo(QString destination, FileDownloader::Progress onProgress, HttpRequest request,
+                            StopToken stop)
 {
     if (stop.stopRequested())
         throw CancellationError();
@@ -112,12 +117,10 @@ Task<> downloadTo(QString destination, FileDownloader::Progress onProgress, Http
     const auto file = std::make_shared<PartialFile>(destination);
     std::exception_ptr failure;
     try {
-        co_await receive(file, onProgress, request, stop);
+        co_return co_await receive(file, onProgress, request, stop);
     } catch (...) {
         failure = std::current_exception();
     }
-    if (!failure)
-        co_return;
     const auto discard = [file] { file->discard(); };
     co_await WorkerQueue::shared().run(discard);
     std::rethrow_exception(failure);
@@ -125,7 +128,7 @@ Task<> downloadTo(QString destination, FileDownloader::Progress onProgress, Http
 
 } // namespace
 
-Task<> FileDownloader::download(const HttpRequest &request, const StopToken &stop) const
+Task<QByteArray> FileDownloader::download(const HttpRequest &request, const StopToken &stop) const
 {
     return downloadTo(m_destination, onProgress, request, stop);
 }

@@ -6,6 +6,7 @@
 #include "platform/async/Task.h"
 #include "platform/http/HttpRequest.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <functional>
@@ -22,11 +23,11 @@ public:
     // Called on the main thread.
     Progress onProgress;
 
-    // Returns when the file is in place; what was there before is replaced. Otherwise leaves nothing behind,
-    // and throws CancellationError when `stop` asked before the start, TransportError (cancelled, when `stop`
-    // asks meanwhile), SimpleError for an answer with a status of 400 or more, or SystemError of the disk.
-    // Once all bytes have arrived, `stop` has no effect.
-    Task<> download(const HttpRequest &request, const StopToken &stop = {}) const;
+    // Returns the SHA-256 of the file when it is in place; what was there before is replaced. Otherwise
+    // leaves nothing behind, and throws CancellationError when `stop` asked before the start, TransportError
+    // (cancelled, when `stop` asks meanwhile), SimpleError for an answer with a status of 400 or more, or
+    // SystemError of the disk. Once all bytes have arrived, `stop` has no effect.
+    Task<QByteArray> download(const HttpRequest &request, const StopToken &stop = {}) const;
 
 private:
     const QString m_destination;

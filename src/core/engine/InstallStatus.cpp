@@ -7,9 +7,20 @@
 
 #include <cmath>
 
+namespace {
+
+const QString separator = QStringLiteral(" \u00B7 ");
+
+} // namespace
+
+InstallStatus lookupStatus(bool stalled)
+{
+    const QString line = QCoreApplication::translate("InstallStatus", "Looking up the latest Ollama…");
+    return {stalled ? line + separator + Fmt::waiting() : line};
+}
+
 InstallStatus downloadStatus(qint64 received, qint64 expected, qint64 assetSize, double speed, bool stalled)
 {
-    const QString separator = QStringLiteral(" \u00B7 ");
     const qint64 total = expected > 0 ? expected : assetSize;
     const QString amounts = QCoreApplication::translate("InstallStatus", "%1 of %2")
                                 .arg(byteCountText(received), byteCountText(total));

@@ -16,6 +16,9 @@ struct InstallStatus
     bool operator==(const InstallStatus &) const = default;
 };
 
+// The line while the latest release is asked for; `stalled` when no answer comes.
+InstallStatus lookupStatus(bool stalled = false);
+
 // The line for `received` bytes out of the `expected` that the server announced (none: 0 or below), else out
 // of the `assetSize` of the release record, at `speed` bytes per second; `stalled` when none arrive any more.
 InstallStatus downloadStatus(qint64 received, qint64 expected, qint64 assetSize, double speed,

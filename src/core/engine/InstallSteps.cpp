@@ -4,7 +4,6 @@
 #include "core/engine/FileDownloader.h"
 #include "core/engine/RunProcess.h"
 #include "core/engine/UnpackedTree.h"
-#include "core/models/Fmt.h"
 #include "core/models/SpeedMeter.h"
 #include "core/models/StallWatch.h"
 #include "platform/async/WorkerQueue.h"
@@ -24,7 +23,9 @@
 #include <limits>
 #include <memory>
 
+#include <paths.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -57,6 +58,8 @@ Environment unpackingEnvironment()
     Environment environment = systemEnvironment();
     // Its words are to be recognised.
     environment["LC_ALL"] = "C";
+    // It calls the decompressor by its name: not one that happens to come first on the user's own path.
+    environment["PATH"] = _PATH_STDPATH;
     // A superuser's GNU tar would give the files the owners and the set-user-ID marks of the archive. Here
     // rather than among the arguments, since whatever the user has put into this variable must not count.
     environment["TAR_OPTIONS"] = "--no-same-owner --no-same-permissions";
@@ -115,6 +118,16 @@ private:
     throw SimpleError(Sentences::tr("Unpacking failed: %1").arg(lastCharacters(reason, 200)));
 }
 
+// Of `folder`, or of the nearest parent that is there. Every other fault is that of whoever writes first.
+void requireWritable(QString folder)
+{
+    while (!QFileInfo::exists(folder))
+        folder = QFileInfo(folder).path();
+    if (::access(QFile::encodeName(folder).constData(), W_OK) != 0 && (errno == EROFS || errno == EACCES))
+        throw SimpleError(
+            Sentences::tr("Ollama cannot be installed, since the folder %1 is read-only.").arg(folder));
+}
+
 void makeAccessible(const QString &path)
 {
     constexpr mode_t toAll = 0755;
@@ -136,10 +149,8 @@ void inspect(const QString &folder)
 
 Task<ReleaseAsset> fetchAsset(InstallerOptions options, InstallReport report, StopToken stop)
 {
-    const QString line = Sentences::tr("Looking up the latest Ollama…");
-    report({line});
-    const auto wait = [line, report] { report({line + u" \u00B7 "_s + Fmt::waiting()}); };
-    const StallWatch watch(wait, options.stallPatience);
+    const auto tellOfStall = [report] { report(lookupStatus(true)); };
+    const StallWatch watch(tellOfStall, options.stallPatience);
     HttpRequest request;
     request.url = options.releaseService;
     request.url.setPath(u"/repos/ollama/ollama/releases/latest"_s);
@@ -155,6 +166,15 @@ Task<ReleaseAsset> fetchAsset(InstallerOptions options, InstallReport report, St
     co_return *asset;
 }
 
+void makeWorkFolder(const QString &folder)
+{
+    for (const QString &parent : {AppPaths::applicationDir(), AppPaths::tempDir()})
+        requireWritable(parent);
+    // The archive comes from outside, and what it holds may be meant for nobody else's eyes yet.
+    AppPaths::ensure(folder);
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
 void requireDiskSpace(qint64 assetSize)
 {
     const std::optional<qint64> free = AppPaths::freeBytes(QFileInfo(AppPaths::applicationDir()).path());
@@ -168,8 +188,8 @@ void requireDiskSpace(qint64 assetSize)
                               .arg(byteCountText(need)));
 }
 
-Task<> downloadArchive(ReleaseAsset asset, QString archive, InstallerOptions options, InstallReport report,
-                       StopToken stop)
+Task<QByteArray> downloadArchive(ReleaseAsset asset, QString archive, InstallerOptions options,
+                                 InstallReport report, StopToken stop)
 {
     FileDownloader downloader(archive);
     const auto line = std::make_shared<DownloadLine>(asset.size, report, options.stallPatience);
@@ -180,18 +200,21 @@ Task<> downloadArchive(ReleaseAsset asset, QString archive, InstallerOptions opt
     request.headers = {{"User-Agent", "Tarnwick"}};
     request.idleTimeout = options.downloadTimeout;
     request.secureOnly = true;
-    co_await downloader.download(request, stop);
+    co_return co_await downloader.download(request, stop);
 }
 
-void requireWhole(const QString &archive, qint64 assetSize)
+void requireWhole(const QString &archive, const QByteArray &sha256, const ReleaseAsset &asset)
 {
     struct stat facts = {};
     if (::stat(QFile::encodeName(archive).constData(), &facts) != 0)
         throw SystemError(errno);
     const qint64 size = facts.st_size;
-    if (size == 0 || (assetSize >= 1 && size != assetSize))
+    if (size == 0 || (asset.size >= 1 && size != asset.size))
         throw SimpleError(Sentences::tr("The download is incomplete (%1 of %2). Please try again.")
-                              .arg(byteCountText(size), byteCountText(assetSize)));
+                              .arg(byteCountText(size), byteCountText(asset.size)));
+    if (!asset.sha256.isEmpty() && sha256 != asset.sha256)
+        throw SimpleError(
+            Sentences::tr("The download does not match its published checksum. Please try again."));
 }
 
 Task<> unpackArchive(QString archive, QString folder, InstallerOptions options)
@@ -203,7 +226,10 @@ Task<> unpackArchive(QString archive, QString folder, InstallerOptions options)
     if (result.status != 0) {
         if (diskIsFull(folder))
             throw SystemError(ENOSPC);
-        failUnpacking(result.output);
+        const QString words = result.output.trimmed();
+        failUnpacking(words.isEmpty()
+                          ? Sentences::tr("the archive tool ended with status %1.").arg(result.status)
+                          : words);
     }
     const auto look = [folder] { inspect(folder); };
     co_await WorkerQueue::shared().run(look);

@@ -8,24 +8,29 @@
 #include "platform/async/Stop.h"
 #include "platform/async/Task.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <functional>
 
 using InstallReport = std::function<void(const InstallStatus &)>;
 
-// The file to install, out of the record of the latest release.
+// The file to install, out of the record of the latest release. Reports when no answer comes.
 Task<ReleaseAsset> fetchAsset(InstallerOptions options, InstallReport report, StopToken stop);
+
+// Makes `folder`, closed to other users. Throws when the folders it is to lie in are known to be read-only.
+void makeWorkFolder(const QString &folder);
 
 // Throws when the volume is known to have less room than an archive of `assetSize` bytes needs.
 void requireDiskSpace(qint64 assetSize);
 
-// Reports every piece of `asset` that arrives, and when none do any more.
-Task<> downloadArchive(ReleaseAsset asset, QString archive, InstallerOptions options, InstallReport report,
-                       StopToken stop);
+// Reports every piece of `asset` that arrives, and when none do any more. Returns the SHA-256 of them all.
+Task<QByteArray> downloadArchive(ReleaseAsset asset, QString archive, InstallerOptions options,
+                                 InstallReport report, StopToken stop);
 
-// Throws when `archive` is empty or not as long as its release says. Blocks; any thread.
-void requireWhole(const QString &archive, qint64 assetSize);
+// Throws when `archive` is empty, or not as long as its release says, or when its `sha256` is another.
+// Blocks; any thread.
+void requireWhole(const QString &archive, const QByteArray &sha256, const ReleaseAsset &asset);
 
 // Fills `folder`, which is made. On return it holds the engine program, and nothing that leads out of it.
 Task<> unpackArchive(QString archive, QString folder, InstallerOptions options);

@@ -2,6 +2,7 @@
 #include "support/AppUnderTest.h"
 #include "support/AppWithItsEngine.h"
 #include "support/FragileFolder.h"
+#include "support/InstallerUnderTest.h"
 #include "support/Waiting.h"
 
 #include <QDir>
@@ -103,6 +104,19 @@ private Q_SLOTS:
         QTRY_VERIFY(app->queue().items().isEmpty());
         QTRY_COMPARE(app->installed().size(), 2);
         app->setServer(false);
+    }
+
+    void installation()
+    {
+        InstallerUnderTest installer;
+        const QString temporary = AppPaths::tempDir();
+        AppPaths::ensure(temporary);
+        for (const QString &path : {AppPaths::applicationDir(), temporary}) {
+            const ReadOnlyFolder folder(path);
+            QCOMPARE(installer.installFrom(installer.release()),
+                     u"Ollama cannot be installed, since the folder %1 is read-only."_s.arg(path));
+            QVERIFY(installer.isUntouched() && installer.server.requests().isEmpty());
+        }
     }
 };
 

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QSignalSpy>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -44,20 +45,21 @@ private Q_SLOTS:
         QCOMPARE(m_installer->lines.join(u' '),
                  u"Looking up the latest Ollama… Starting download… Unpacking… Installing… "
                  "Checking that it runs…"_s);
-        const QByteArrayList requests = m_installer->server.requests();
-        QVERIFY(requests[0].contains("\r\nAccept: application/vnd.github+json\r\n"));
-        for (const QByteArray &request : requests)
-            QVERIFY(request.contains("\r\nUser-Agent: Tarnwick\r\n") &&
-                    request.contains("\r\nAccept-Language: en\r\n") &&
-                    request.contains("\r\nAccept-Encoding: identity\r\n"));
+        const Server &server = m_installer->server;
+        QCOMPARE(server.header(0, "Accept"), "application/vnd.github+json"_ba);
+        for (qsizetype request = 0; request < server.requests().size(); ++request)
+            QVERIFY(server.header(request, "User-Agent") == "Tarnwick" &&
+                    server.header(request, "Accept-Language") == "en" &&
+                    server.header(request, "Accept-Encoding") == "identity");
     }
 
     void failures_data()
     {
         // "SERVER" stands for this server's address
         const auto row = table<Answer, Answer, QString>("lookup", "download", "sentence");
-        const auto record = [](const char *size, const char *address = "SERVER/archive") {
-            return Answer{.body = Server::record(address, size)};
+        const auto record = [](const char *size, const char *address = "SERVER/archive",
+                               const QByteArray &digest = {}) {
+            return Answer{.body = Server::record(address, size, digest)};
         };
         const QString limited = u"GitHub is limiting requests right now. Try again in a few minutes, or "
                                 "choose Ollama manually."_s;
@@ -68,7 +70,7 @@ private Q_SLOTS:
         row("403", {.status = 403}, {}, limited);
         row("429", {.status = 429}, {}, limited);
         row("503", {.status = 503}, {}, refused.arg(503));
-        row("no JSON", {.body = "<html>"}, {}, u"illegal value"_s);
+        row("no JSON", {.body = "<html>"}, {}, u"GitHub's answer could not be read ("_s);
         row("no asset", {.body = "{}"}, {}, InstallerOptions().missingAsset);
         row("huge record", {.body = record("1").body + QByteArray(50'000'000, ' ')}, {.status = 404},
             u"The download server answered with error 404."_s);
@@ -80,7 +82,10 @@ private Q_SLOTS:
             u"Insecure redirect"_s);
         row("short", record("200"), {.body = "xxx"}, incomplete.arg(u"3 bytes"_s, u"200 bytes"_s));
         row("empty", record(""), {}, incomplete.arg(u"Zero KB"_s, u"Zero KB"_s));
-        row("no archive", record(""), {.body = "x"}, u"Unpacking failed: zstd: "_s);
+        row("altered", record("2", "SERVER/archive", Server::digestOf("ab")), {.body = "ac"},
+            u"The download does not match its published checksum. Please try again."_s);
+        row("no archive", record("", "SERVER/archive", Server::digestOf("x")), {.body = "x"},
+            u"Unpacking failed: zstd: "_s);
         row("no program", record(""), {.body = TarArchive().addFile("bin/Ollama", "x").compressed()},
             u"The download did not contain the ollama program."_s);
     }
@@ -90,7 +95,7 @@ private Q_SLOTS:
         QFETCH(const Answer, download);
         QFETCH(const QString, sentence);
         const QString told = m_installer->installFrom(lookup, download);
-        QVERIFY2(told.startsWith(sentence), qUtf8Printable(told));
+        QVERIFY2(told.startsWith(sentence) && told == told.trimmed(), qUtf8Printable(told));
         QVERIFY(m_installer->isUntouched());
         // The next one begins without the old sentence.
         QCOMPARE(m_installer->installFrom(m_installer->release()), QString());
@@ -110,6 +115,16 @@ private Q_SLOTS:
         }
     }
 
+    void aSilentTool()
+    {
+        InstallerOptions options = m_installer->server.options();
+        options.archiveTool = m_installer->sandbox.path(u"tool"_s);
+        m_installer->put(u"tool"_s, "#!/bin/sh\nexit 3\n");
+        m_installer->remake(options);
+        QCOMPARE(m_installer->installFrom(m_installer->release()),
+                 u"Unpacking failed: the archive tool ended with status 3."_s);
+    }
+
     void strangersAreNotTrusted()
     {
         m_installer->server.distrust();
@@ -121,12 +136,17 @@ private Q_SLOTS:
     void findsTheAsset()
     {
         const QByteArray named = "{\"name\":\"a\",\"browser_download_url\":\"";
-        const QByteArray whole = named + "https://x/a\",\"size\":5000000000}";
+        const QByteArray rest = "https://x/a\",\"size\":5000000000,\"digest\":\"";
+        const QByteArray whole = named + rest + "sha256:" + QByteArray(64, 'A') + "\"}";
         const auto found = [](const QByteArray &assets) {
             return assetNamed(u"a"_s, "{\"assets\":[" + assets + "]}");
         };
         QCOMPARE(found("{\"name\":\"a\"}," + whole),
-                 std::optional(ReleaseAsset{QUrl(u"https://x/a"_s), 5'000'000'000}));
+                 std::optional(ReleaseAsset{QUrl(u"https://x/a"_s), 5'000'000'000, QByteArray(32, '\xaa')}));
+        // One that it does not know is none.
+        for (const QByteArray &digest : {"sha512:" + QByteArray(64, 'a'), "sha256:" + QByteArray(62, 'a'),
+                                         "sha256:" + QByteArray(64, 'g')})
+            QCOMPARE(found(named + rest + digest + "\"}")->sha256, QByteArray());
         QVERIFY(!found(named + "\"}") && !found(named + "https://x y/\"}"));
         QVERIFY(!found(QByteArray(whole).replace("\"a\"", "\"A\"")));
     }
@@ -289,14 +309,16 @@ private Q_SLOTS:
         const auto base = [] { return InstallerUnderTest::release(); };
         const QString failed = u"Unpacking failed: "_s;
         const QString leadsOut = failed + u"a link leads out of the archive: "_s;
+        const QString either = u"?"_s;
         const QString noProgram = u"The download did not contain the ollama program."_s;
 
         row("absolute name", base().addFile("OUTSIDE/victim", "evil"), {});
         row("dots", base().addFile("../../../../outside/victim", "evil"), failed);
         row("through a link", base().add("l", link, "OUTSIDE").addFile("l/victim", "evil"), failed);
         row("hard link", base().add("h", A::hardLink, "OUTSIDE/victim").addFile("h", "evil"), failed);
+        // Done right everywhere, but held for a failure by a tool that works on some file systems.
         row("folder in a link's place", base().add("l", link, "OUTSIDE").add("l", A::folder, {}, 0777),
-            failed);
+            either);
         row("link in a folder's place", base().add("l", A::folder, {}, 0777).add("l", link, "OUTSIDE"),
             leadsOut + u"l"_s);
 
@@ -321,22 +343,31 @@ private Q_SLOTS:
         const mode_t modes[] = {m_installer->modeOf(outside), m_installer->modeOf(victim)};
 
         const QString sentence = m_installer->installFrom(archive.replaced("OUTSIDE", outside.toUtf8()));
-        QVERIFY2(told.isEmpty() ? sentence.isEmpty() : sentence.startsWith(told), qUtf8Printable(sentence));
+        const bool refused = !sentence.isEmpty();
+        QVERIFY2(told == "?"_L1 || (refused == !told.isEmpty() && sentence.startsWith(told)),
+                 qUtf8Printable(sentence));
         QCOMPARE(QDir(outside).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{u"victim"_s});
         QCOMPARE(m_installer->contentOf(victim), "innocent"_ba);
         QVERIFY(m_installer->modeOf(outside) == modes[0] && m_installer->modeOf(victim) == modes[1]);
-        QVERIFY(m_installer->hasOldEngine() != told.isEmpty() && m_installer->isTidy());
+        QVERIFY(m_installer->hasOldEngine() == refused && m_installer->isTidy());
     }
 
-    // Not even a superuser who has the archive tool told to.
+    // Not even a superuser who has the archive tool told to. Nor does anybody's own decompressor count.
     void noRightsFromTheArchive()
     {
-        qputenv("TAR_OPTIONS", "--same-permissions --same-owner --absolute-names");
         const TarArchive archive = m_installer->release().addFile("lib/tool", "x", 06777);
-        QCOMPARE(m_installer->installFrom(archive), QString());
+        m_installer->server.publish(archive.compressed());
+        m_installer->put(u"zstd"_s, "#!/bin/sh\nexit 1\n");
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", QFile::encodeName(m_installer->sandbox.path({})) + ':' + path);
+        qputenv("TAR_OPTIONS", "--same-permissions --same-owner --absolute-names");
+        QCOMPARE(m_installer->install(), QString());
         qunsetenv("TAR_OPTIONS");
+        qputenv("PATH", path);
         const QString tool = AppPaths::engineDir() + "/lib/tool"_L1;
-        QCOMPARE(m_installer->modeOf(tool) & 07022, 0u);
+        const mode_t mask = ::umask(0);
+        ::umask(mask);
+        QCOMPARE(m_installer->modeOf(tool), 0777 & ~mask);
         QCOMPARE(QFileInfo(tool).ownerId(), ::geteuid());
     }
 };
