@@ -98,7 +98,7 @@ QString EngineManager::locate() const
 {
     const QStringList candidates =
         engineCandidates(m_defaults.string(chosenByHandKey), m_options.installPlaces,
-                         m_defaults.string(installedByUsKey), AppPaths::engineDir());
+                         m_defaults.string(installedByUsKey), AppPaths::findBinary(AppPaths::engineDir()));
     for (const QString &candidate : candidates) {
         const QFileInfo file(candidate);
         if (file.isFile() && file.isExecutable())

@@ -8,7 +8,8 @@
 using namespace Qt::StringLiterals;
 
 QStringList engineCandidates(const std::optional<QString> &chosenByHand, const QStringList &installPlaces,
-                             const std::optional<QString> &installedByUs, const QString &engineDir)
+                             const std::optional<QString> &installedByUs,
+                             const std::optional<QString> &foundInOurFolder)
 {
     QStringList candidates;
     if (chosenByHand)
@@ -16,7 +17,8 @@ QStringList engineCandidates(const std::optional<QString> &chosenByHand, const Q
     candidates << installPlaces;
     if (installedByUs)
         candidates << *installedByUs;
-    candidates << engineDir + "/ollama"_L1;
+    if (foundInOurFolder)
+        candidates << *foundInOurFolder;
     return candidates;
 }
 

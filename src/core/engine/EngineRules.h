@@ -9,9 +9,10 @@
 #include <optional>
 
 // Where the engine program is looked for, the preferred place first: chosen by hand, installed for the whole
-// machine, installed by this program.
+// machine, installed by this program, found in the folder of its installations.
 QStringList engineCandidates(const std::optional<QString> &chosenByHand, const QStringList &installPlaces,
-                             const std::optional<QString> &installedByUs, const QString &engineDir);
+                             const std::optional<QString> &installedByUs,
+                             const std::optional<QString> &foundInOurFolder);
 
 // `base` with what makes the engine serve on `port` and keep its models in `modelsDir`.
 Environment engineEnvironment(Environment base, int port, bool shareOnNetwork, const QString &modelsDir);

@@ -9,6 +9,7 @@
 #include "platform/async/WorkerQueue.h"
 #include "platform/error/SimpleError.h"
 #include "platform/error/SystemError.h"
+#include "platform/files/ExchangePaths.h"
 #include "platform/files/RemoveTree.h"
 #include "platform/http/HttpClient.h"
 #include "platform/text/ByteCount.h"
@@ -139,10 +140,12 @@ void makeAccessible(const QString &path)
 void inspect(const QString &folder)
 {
     makeAccessible(folder);
-    if (!UnpackedTree::findProgram(folder))
+    const std::optional<QString> program = UnpackedTree::findProgram(folder);
+    if (!program)
         throw SimpleError(Sentences::tr("The download did not contain the ollama program."));
     if (const auto objection = UnpackedTree::objection(folder))
         failUnpacking(*objection);
+    makeAccessible(*program);
 }
 
 } // namespace
@@ -239,17 +242,19 @@ QString putEngineInPlace(const QString &unpacked, bool &replaced)
 {
     const QString engine = AppPaths::engineDir();
     AppPaths::ensure(AppPaths::applicationDir());
-    // Out of the way in one step, for whoever is killed meanwhile; it goes with the folder it comes into.
-    const QString old = QFileInfo(unpacked).path() + "/replaced"_L1;
-    if (std::rename(QFile::encodeName(engine).constData(), QFile::encodeName(old).constData()) != 0)
-        removeTree(engine);
+    // For whoever is killed meanwhile. The old engine goes with the folder that it comes into.
+    if (!exchangePaths(unpacked, engine)) {
+        const QString old = QFileInfo(unpacked).path() + "/replaced"_L1;
+        if (std::rename(QFile::encodeName(engine).constData(), QFile::encodeName(old).constData()) != 0)
+            removeTree(engine);
+        replaced = true;
+        if (std::rename(QFile::encodeName(unpacked).constData(), QFile::encodeName(engine).constData()) != 0)
+            throw SystemError(errno);
+    }
     replaced = true;
-    if (std::rename(QFile::encodeName(unpacked).constData(), QFile::encodeName(engine).constData()) != 0)
-        throw SystemError(errno);
     const std::optional<QString> program = UnpackedTree::findProgram(engine);
     if (!program)
         throw SimpleError(Sentences::tr("The installed engine could not be found."));
-    makeAccessible(*program);
     return *program;
 }
 

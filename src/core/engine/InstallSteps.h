@@ -32,11 +32,13 @@ Task<QByteArray> downloadArchive(ReleaseAsset asset, QString archive, InstallerO
 // Blocks; any thread.
 void requireWhole(const QString &archive, const QByteArray &sha256, const ReleaseAsset &asset);
 
-// Fills `folder`, which is made. On return it holds the engine program, and nothing that leads out of it.
+// Fills `folder`, which is made. On return it holds the engine program, which anybody may run, and nothing
+// that leads out of it.
 Task<> unpackArchive(QString archive, QString folder, InstallerOptions options);
 
-// Moves `unpacked` to where the installed engine belongs, in place of what is there, and returns the engine
-// program. `replaced` is set just before the move, when the old engine is gone. Blocks; any thread.
+// Moves `unpacked` to where the installed engine belongs, in place of what is there (which takes the place of
+// `unpacked` where the system can exchange the two in one step), and returns the engine program. `replaced`
+// is set when the old engine is not in its place any more. Blocks; any thread.
 QString putEngineInPlace(const QString &unpacked, bool &replaced);
 
 // Runs `program` once; its version text.

@@ -1,6 +1,9 @@
 #include "core/engine/AppPaths.h"
+#include "core/engine/EngineManager.h"
+#include "core/engine/InstallSteps.h"
 #include "core/engine/ReleaseRecord.h"
 #include "core/engine/RunProcess.h"
+#include "platform/files/ExchangePaths.h"
 #include "support/FragileFolder.h"
 #include "support/InstallerUnderTest.h"
 #include "support/RunningChild.h"
@@ -214,6 +217,22 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(runningTasks(), 0, 30'000);
         resumeAfterQuitting();
         QVERIFY(QFile::exists(m_installer->installedProgram()) && m_installer->isTidy());
+        const EngineManager next(m_installer->sandbox.defaults(), Sandbox::engineOptions());
+        QCOMPARE(next.enginePath(), m_installer->installedProgram());
+    }
+
+    // So that no moment is without an engine.
+    void theNewEngineTakesThePlaceOfTheOldInOneStep()
+    {
+        const QString unpacked = AppPaths::tempDir() + "/work/unpacked"_L1;
+        m_installer->putAt(unpacked + "/ollama"_L1, "new");
+        if (!exchangePaths(unpacked, AppPaths::engineDir()))
+            QSKIP("This file system cannot exchange folders");
+        QVERIFY(!m_installer->hasOldEngine() && !exchangePaths(unpacked, unpacked + u'x'));
+        bool replaced = false;
+        putEngineInPlace(unpacked, replaced);
+        QVERIFY(replaced && m_installer->hasOldEngine());
+        QCOMPARE(m_installer->contentOf(unpacked + "/ollama"_L1), "new"_ba);
     }
 
     void destroyedDuringTheDownload()
