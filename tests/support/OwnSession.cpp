@@ -3,13 +3,17 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <cerrno>
+#include <cstring>
 #include <vector>
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
 const char mark[] = "TARNWICK_TEST_OWN_SESSION";
+constexpr int noTools = 127; // as shells say it
 
 } // namespace
 
@@ -18,10 +22,10 @@ bool OwnSession::isEntered()
     return qEnvironmentVariableIsSet(mark);
 }
 
-void OwnSession::enter(int argc, char **argv)
+std::optional<int> OwnSession::run(int argc, char **argv)
 {
     if (isEntered() || access("/usr/bin/xvfb-run", X_OK) != 0)
-        return;
+        return std::nullopt;
     // Without -noreset, the screen starts anew when the last program that used it ends, and a program that
     // comes just then finds none.
     const QByteArray setMark = QByteArray(mark) + "=1";
@@ -30,5 +34,15 @@ void OwnSession::enter(int argc, char **argv)
     command.insert(command.end(), {"env", setMark.constData(), "QT_QPA_PLATFORM=xcb"});
     command.insert(command.end(), argv, argv + argc);
     command.push_back(nullptr);
-    execvp(command.front(), const_cast<char **>(command.data()));
+    const pid_t session = fork();
+    if (session == 0) {
+        execvp(command.front(), const_cast<char **>(command.data()));
+        _exit(noTools);
+    }
+    int status = 0;
+    if (session < 0 || waitpid(session, &status, 0) < 0)
+        qFatal("There is no session: %s", std::strerror(errno));
+    if (WIFEXITED(status) && WEXITSTATUS(status) == noTools)
+        return std::nullopt;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }

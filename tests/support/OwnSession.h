@@ -1,11 +1,13 @@
 // A screen and a session bus of a test's own, which end with it.
 #pragma once
 
+#include <optional>
+
 class OwnSession
 {
 public:
-    // Runs the test program again inside such a session, in this process's place. Returns where that is so
+    // Runs the test program again inside such a session; the exit status of that. Nothing where this is so
     // already, and where the tools for it are missing.
-    static void enter(int argc, char **argv);
+    static std::optional<int> run(int argc, char **argv);
     static bool isEntered();
 };

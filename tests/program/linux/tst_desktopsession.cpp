@@ -124,7 +124,8 @@ private:
 
 int main(int argc, char **argv)
 {
-    OwnSession::enter(argc, argv);
+    if (const std::optional<int> status = OwnSession::run(argc, argv))
+        return *status;
     const QCoreApplication application(argc, argv);
     DesktopSessionTest test;
     return QTest::qExec(&test, argc, argv);

@@ -62,7 +62,8 @@ private:
 
 int main(int argc, char **argv)
 {
-    OwnSession::enter(argc, argv);
+    if (const std::optional<int> status = OwnSession::run(argc, argv))
+        return *status;
     QApplication application(argc, argv);
     StatusTrayTest test;
     return QTest::qExec(&test, argc, argv);
