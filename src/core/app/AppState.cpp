@@ -173,19 +173,10 @@ void AppState::unload(const QString &name)
 void AppState::setServer(bool on)
 {
     m_defaults.set(serverWantedKey, on);
-    if (on) {
-        launch([this] { return startAndRefresh(this, m_stop.token()); });
-        return;
-    }
-    m_engine.stop();
-    m_models->clearLoaded();
-}
-
-Task<> AppState::startAndRefresh(QPointer<AppState> self, StopToken stop)
-{
-    co_await self->m_engine.start();
-    if (!stop.stopRequested())
-        co_await self->refresh();
+    if (on)
+        launch([this] { return m_engine.start(); });
+    else
+        m_engine.stop();
 }
 
 QString AppState::defaultModel() const

@@ -128,7 +128,6 @@ private:
     void setModelSettings(const ModelSettingsMap &settings);
     void wire();
     static Task<> statusLoop(QPointer<AppState> self, StopToken stop);
-    static Task<> startAndRefresh(QPointer<AppState> self, StopToken stop);
     static Task<> exportTo(QPointer<AppState> self, Conversation conversation, StopToken stop);
     // Whether a reply can begin; where the chat has no model, the banner says so.
     bool canGenerate(const QUuid &id);

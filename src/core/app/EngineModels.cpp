@@ -36,6 +36,7 @@ bool holds(const QList<Model> &models, const QString &name)
 
 EngineModels::EngineModels(const EngineManager &engine, QObject *parent) : QObject(parent), m_engine(engine)
 {
+    connect(&m_engine, &EngineManager::stateChanged, this, &EngineModels::followEngine);
 }
 
 EngineModels::~EngineModels()
@@ -60,10 +61,8 @@ Task<> EngineModels::refresh()
 
 Task<> EngineModels::pass(QPointer<EngineModels> self, StopToken stop)
 {
-    if (!self->engineRuns()) {
-        self->clearLoaded();
+    if (!self->engineRuns())
         co_return;
-    }
     const OllamaClient client(self->m_engine.port());
     const auto installed = co_await answerOf(client.tags(stop));
     if (stop.stopRequested())
@@ -78,9 +77,12 @@ Task<> EngineModels::pass(QPointer<EngineModels> self, StopToken stop)
         self->setLoaded(*loaded);
 }
 
-void EngineModels::clearLoaded()
+void EngineModels::followEngine()
 {
-    setLoaded({});
+    if (engineRuns())
+        launch([this] { return refresh(); });
+    else
+        setLoaded({});
 }
 
 void EngineModels::loadCapabilities(const QString &name)

@@ -1,4 +1,6 @@
 // What is known of the engine's models: which are installed, which are in memory, what each of them can do.
+// Both lists are asked for whenever the engine comes up, however that came about; one that does not run has
+// nothing in memory.
 #pragma once
 
 #include "core/api/InstalledModel.h"
@@ -34,10 +36,9 @@ public:
     bool isInstalled(const QString &name) const;
     bool isLoaded(const QString &name) const;
 
-    // One pass over both lists. While the engine does not run it empties the loaded one and asks for nothing.
-    // Failures are silent; never throws.
+    // One pass over both lists; asks for nothing while the engine does not run. Failures are silent; never
+    // throws.
     Task<> refresh();
-    void clearLoaded();
     // Keeps what it learns under `name` for the whole run; failures are silent.
     void loadCapabilities(const QString &name);
     // Both refresh the lists in the end, also after failed().
@@ -57,6 +58,7 @@ private:
     static Task<> pass(QPointer<EngineModels> self, StopToken stop);
     static Task<> ask(QPointer<EngineModels> self, QString name, StopToken stop);
     static Task<> perform(QPointer<EngineModels> self, Request request, QString name, StopToken stop);
+    void followEngine();
     bool engineRuns() const;
     void setInstalled(const QList<InstalledModel> &installed);
     void setLoaded(const QList<LoadedModel> &loaded);

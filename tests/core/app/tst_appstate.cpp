@@ -1,6 +1,7 @@
 #include "core/app/ChatGeneration.h"
 #include "core/chat/ExportFileName.h"
 #include "support/AppUnderTest.h"
+#include "support/AppWithItsEngine.h"
 #include "support/Table.h"
 #include "support/Waiting.h"
 
@@ -42,6 +43,19 @@ private Q_SLOTS:
         next.setServer(true);
         QTRY_VERIFY(next.isLoaded(phi));
         QVERIFY(app.sandbox.defaults().boolean(u"serverWanted"_s));
+    }
+
+    // However it came up, and long before the next pass over the lists.
+    void anEngineThatComesUpIsAskedForItsModels()
+    {
+        qputenv("DEMO_ENGINE_INSTALLED", "phi3.5");
+        const auto undo = qScopeGuard([] { qunsetenv("DEMO_ENGINE_INSTALLED"); });
+        AppWithItsEngine app;
+        app.dependencies.statusPause = std::chrono::hours(1);
+        app.sandbox.defaults().set(u"serverWanted"_s, false);
+        app.launch();
+        ::waitFor(app->engine().useAnotherPort());
+        QTRY_VERIFY(app->isInstalled(phi));
     }
 
     void failedPassesKeepTheLists()
