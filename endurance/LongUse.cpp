@@ -294,7 +294,7 @@ Task<> LongUse::crash()
         m_state->setServer(false);
         m_state->setServer(true);
     }
-    later(60, [this] { m_kills += killChildProcesses() ? 1 : 0; });
+    later(60, [this] { m_kills += killPrograms() ? 1 : 0; });
 }
 
 Task<> LongUse::engineRuns()

@@ -20,6 +20,24 @@ QByteArray contentOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+QList<pid_t> childrenOf(pid_t parent)
+{
+    QList<pid_t> children;
+    const QStringList entries = QDir(u"/proc"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &entry : entries) {
+        bool isProcess = false;
+        const pid_t id = entry.toInt(&isProcess);
+        if (!isProcess)
+            continue;
+        // The name in parentheses may hold anything; behind it come the state and the parent.
+        const QByteArray status = contentOf(u"/proc/%1/stat"_s.arg(id));
+        const QByteArrayList fields = status.sliced(status.lastIndexOf(')') + 1).split(' ');
+        if (fields.value(2).toInt() == parent)
+            children.append(id);
+    }
+    return children;
+}
+
 } // namespace
 
 Resources Resources::now()
@@ -63,26 +81,15 @@ QString Resources::text() const
 
 QList<pid_t> childProcesses()
 {
-    QList<pid_t> children;
-    const QStringList entries = QDir(u"/proc"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString &entry : entries) {
-        bool isProcess = false;
-        const pid_t id = entry.toInt(&isProcess);
-        if (!isProcess)
-            continue;
-        // The name in parentheses may hold anything; behind it come the state and the parent.
-        const QByteArray status = contentOf(u"/proc/%1/stat"_s.arg(id));
-        const QByteArrayList fields = status.sliced(status.lastIndexOf(')') + 1).split(' ');
-        if (fields.value(2).toInt() == ::getpid())
-            children.append(id);
-    }
-    return children;
+    return childrenOf(::getpid());
 }
 
-bool killChildProcesses()
+bool killPrograms()
 {
     bool killed = false;
-    for (const pid_t child : childProcesses())
-        killed = ::kill(child, SIGKILL) == 0 || killed;
+    for (const pid_t keeper : childProcesses()) {
+        for (const pid_t program : childrenOf(keeper))
+            killed = ::kill(program, SIGKILL) == 0 || killed;
+    }
     return killed;
 }

@@ -23,5 +23,6 @@ struct Resources
 };
 
 QList<pid_t> childProcesses();
-// Whether there was one to kill, with SIGKILL.
-bool killChildProcesses();
+// Kills (SIGKILL) the programs that run as children, which are children of the children. Whether there was
+// one.
+bool killPrograms();

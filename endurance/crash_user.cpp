@@ -195,6 +195,7 @@ int use(const QString &profile, const QString &engine, int port)
     qputenv("DEMO_ENGINE_LOAD_MS", "5");
     qputenv("DEMO_ENGINE_PULL_MS", "200");
     qputenv("DEMO_ENGINE_CHUNK_MS", "1");
+    qputenv("DEMO_ENGINE_RUNNER", "2");
     qputenv("DEMO_ENGINE_INSTALLED", "phi3.5,qwen3:4b");
     ReleaseServer releases;
     releases.publish(engineRelease(engine));

@@ -17,7 +17,7 @@ std::optional<int> ChildRoles::play(QCoreApplication &application)
     const QString role = application.arguments().value(1);
     const QString pipe = application.arguments().value(2);
     if (role == QLatin1StringView(parent)) {
-        const RunningChild child(Lifeline::script() + u"exec sleep 60"_s, {pipe});
+        const RunningChild child(Lifeline::script() + application.arguments().value(3), {pipe});
         return application.exec();
     }
     if (role != QLatin1StringView(leaveSomeone))

@@ -8,7 +8,8 @@
 class ChildRoles
 {
 public:
-    // Starts a child that holds the pipe behind this argument, and lives on.
+    // Starts a child that holds the pipe behind this argument and goes on with the script behind that, and
+    // lives on.
     static constexpr auto parent = "--parent";
     // Ends at once, leaving a process in a group of its own that holds the pipe behind this argument; prints
     // that process's id.

@@ -2,9 +2,16 @@
 
 #include "platform/async/MainThread.h"
 #include "platform/error/SystemError.h"
+#include "platform/process/Descriptor.h"
+#include "platform/process/ProgramImage.h"
+#include "platform/process/ProgramLaunch.h"
+#include "platform/process/SignalsBlocked.h"
+
+#ifdef Q_OS_LINUX
+#include "platform/process/linux/Keeper.h"
+#endif
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QSocketNotifier>
 #include <QThread>
 
@@ -13,204 +20,13 @@
 #include <system_error>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#ifdef Q_OS_LINUX
-#include <sys/prctl.h>
-#include <sys/syscall.h>
-#endif
-
-extern char **environ; // macOS declares it nowhere
-
 namespace {
-
-class Descriptor
-{
-public:
-    explicit Descriptor(int number = -1) : m_number(number) {}
-    Descriptor(Descriptor &&other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
-    Descriptor &operator=(Descriptor &&other) noexcept
-    {
-        std::swap(m_number, other.m_number);
-        return *this;
-    }
-    ~Descriptor()
-    {
-        if (m_number >= 0)
-            ::close(m_number);
-    }
-
-    int number() const { return m_number; }
-
-private:
-    int m_number;
-};
-
-struct Pipe
-{
-    Descriptor reading;
-    Descriptor writing;
-};
-
-// A copy above the three standard descriptors, which the child's own would otherwise overwrite where this
-// process was started with one of them closed.
-Descriptor aboveStandard(const Descriptor &original)
-{
-    const int copy = ::fcntl(original.number(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    if (copy < 0)
-        throw SystemError(errno);
-    return Descriptor(copy);
-}
-
-Pipe makePipe()
-{
-    int ends[2];
-#ifdef Q_OS_LINUX
-    const int made = ::pipe2(ends, O_CLOEXEC);
-#else
-    const int made = ::pipe(ends);
-#endif
-    if (made != 0)
-        throw SystemError(errno);
-    const Descriptor reading(ends[0]);
-    const Descriptor writing(ends[1]);
-    return {aboveStandard(reading), aboveStandard(writing)};
-}
-
-// What exec takes, made before the fork: nothing may be allocated after it.
-class Image
-{
-public:
-    explicit Image(const ChildProcess::Command &command)
-    {
-        m_arguments.push_back(QFile::encodeName(command.program));
-        for (const QString &argument : command.arguments)
-            m_arguments.push_back(QFile::encodeName(argument));
-        m_argumentPointers = pointers(m_arguments);
-        if (!command.environment)
-            return;
-        for (auto entry = command.environment->begin(); entry != command.environment->end(); ++entry)
-            m_environment.push_back(entry.key() + '=' + entry.value());
-        m_environmentPointers = pointers(m_environment);
-    }
-    Image(const Image &) = delete;
-    Image &operator=(const Image &) = delete;
-
-    char *const *arguments() const { return m_argumentPointers.data(); }
-    char *const *environment() const
-    {
-        return m_environmentPointers.empty() ? environ : m_environmentPointers.data();
-    }
-
-private:
-    static std::vector<char *> pointers(std::vector<QByteArray> &texts)
-    {
-        std::vector<char *> result;
-        for (QByteArray &text : texts)
-            result.push_back(text.data());
-        result.push_back(nullptr);
-        return result;
-    }
-
-    std::vector<QByteArray> m_arguments;
-    std::vector<QByteArray> m_environment;
-    std::vector<char *> m_argumentPointers;
-    std::vector<char *> m_environmentPointers; // empty: that of this process
-};
-
-// Blocked across the fork, so that no handler of ours runs in the child, and while the watching thread is
-// made, which inherits the mask.
-class SignalsBlocked
-{
-public:
-    SignalsBlocked()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &m_before);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-    SignalsBlocked(const SignalsBlocked &) = delete;
-    SignalsBlocked &operator=(const SignalsBlocked &) = delete;
-
-private:
-    sigset_t m_before;
-};
-
-void resetSignals()
-{
-    struct sigaction standard = {};
-    standard.sa_handler = SIG_DFL;
-    for (int signal = 1; signal < NSIG; ++signal)
-        sigaction(signal, &standard, nullptr);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-}
-
-// Runs in the child, where only async-signal-safe calls are allowed. Returns when a call has failed, with its
-// reason in errno.
-void becomeProgram(const Image &image, int output, [[maybe_unused]] pid_t parent)
-{
-    if (::setpgid(0, 0) != 0)
-        return;
-#ifdef Q_OS_LINUX
-    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-    // A parent that died before the line above sends nothing.
-    if (::getppid() != parent)
-        ::_exit(EXIT_FAILURE);
-#endif
-    resetSignals();
-    if (::dup2(output, STDOUT_FILENO) < 0 || ::dup2(output, STDERR_FILENO) < 0)
-        return;
-#ifdef Q_OS_LINUX
-    // Ours are closed by exec anyway; these are what libraries and whoever started us left open.
-    ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
-#endif
-    ::execve(image.arguments()[0], image.arguments(), image.environment());
-}
-
-int waitForStatus(pid_t pid)
-{
-    int status = 0;
-    while (::waitpid(pid, &status, 0) < 0) {
-        if (errno != EINTR)
-            return EXIT_FAILURE;
-    }
-    return WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
-}
-
-// Returns once the program runs; throws when it could not be made to.
-pid_t launchProgram(const Image &image, const Descriptor &output)
-{
-    Pipe failure = makePipe();
-    const pid_t parent = ::getpid();
-    const pid_t pid = ::fork();
-    if (pid < 0)
-        throw SystemError(errno);
-    if (pid == 0) {
-        becomeProgram(image, output.number(), parent);
-        const int reason = errno;
-        [[maybe_unused]] const auto written = ::write(failure.writing.number(), &reason, sizeof reason);
-        ::_exit(EXIT_FAILURE);
-    }
-    ::setpgid(pid, pid); // the child does the same; whoever comes first
-    failure.writing = Descriptor();
-    int reason = 0;
-    ssize_t count = 0;
-    do
-        count = ::read(failure.reading.number(), &reason, sizeof reason);
-    while (count < 0 && errno == EINTR);
-    if (count != sizeof reason)
-        return pid;
-    waitForStatus(pid);
-    throw SystemError(reason);
-}
 
 // A parent that ignored SIGCHLD passes that on to the programs it starts, and with it the loss of every exit
 // status.
@@ -289,10 +105,11 @@ std::shared_ptr<ChildProcess> ChildProcess::start(const Command &command, Output
 {
     Q_ASSERT(QThread::currentThread() == QCoreApplication::instance()->thread());
     keepExitStatuses();
-    const Image image(command);
-    Pipe pipe = makePipe();
-    const SignalsBlocked blocked;
-    const std::shared_ptr<ChildProcess> child(new ChildProcess(launchProgram(image, pipe.writing)));
+    const ProgramImage image(command.program, command.arguments, command.environment);
+    Pipe pipe = Pipe::make();
+    const SignalsBlocked blocked; // the watching thread inherits it
+    const LaunchedProgram launched = launchProgram(image, pipe.writing.number());
+    const std::shared_ptr<ChildProcess> child(new ChildProcess(launched));
     auto *const output = new Output(std::move(pipe.reading), std::move(onOutput), std::move(onEnd));
     try {
         std::thread([child, output] { watch(child, output); }).detach();
@@ -305,17 +122,9 @@ std::shared_ptr<ChildProcess> ChildProcess::start(const Command &command, Output
     return child;
 }
 
-ChildProcess::ChildProcess(pid_t pid) : m_pid(pid)
+ChildProcess::ChildProcess(const LaunchedProgram &launched)
+    : m_child(launched.child), m_program(launched.program)
 {
-#ifdef Q_OS_LINUX
-    m_descriptor = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
-#endif
-}
-
-ChildProcess::~ChildProcess()
-{
-    if (m_descriptor >= 0)
-        ::close(m_descriptor);
 }
 
 bool ChildProcess::isRunning() const
@@ -327,22 +136,24 @@ bool ChildProcess::isRunning() const
 void ChildProcess::terminate() const
 {
     const std::lock_guard lock(m_mutex);
-    if (m_reaped)
-        return;
-#ifdef Q_OS_LINUX
-    if (m_descriptor >= 0) {
-        ::syscall(SYS_pidfd_send_signal, m_descriptor, SIGTERM, nullptr, 0);
-        return;
-    }
-#endif
-    ::kill(m_pid, SIGTERM);
+    if (!m_reaped)
+        m_child.send(SIGTERM);
 }
 
 void ChildProcess::kill() const
 {
     const std::lock_guard lock(m_mutex);
     if (!m_reaped)
-        ::kill(-m_pid, SIGKILL);
+        killAll();
+}
+
+void ChildProcess::killAll() const
+{
+#ifdef Q_OS_LINUX
+    m_child.send(keepersKillSignal);
+#else
+    ::kill(-m_program, SIGKILL);
+#endif
 }
 
 void ChildProcess::watch(const std::shared_ptr<ChildProcess> &child, Output *output)
@@ -360,14 +171,14 @@ void ChildProcess::watch(const std::shared_ptr<ChildProcess> &child, Output *out
 void ChildProcess::waitForEnd() const
 {
     siginfo_t info = {};
-    while (::waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
+    while (::waitid(P_PID, static_cast<id_t>(m_child.id()), &info, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
     }
 }
 
 int ChildProcess::reap()
 {
     const std::lock_guard lock(m_mutex);
-    ::kill(-m_pid, SIGKILL);
+    killAll();
     m_reaped = true;
-    return waitForStatus(m_pid);
+    return exitStatusOf(m_child.id());
 }

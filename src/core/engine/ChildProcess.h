@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/engine/Environment.h"
+#include "platform/process/ProcessHandle.h"
 
 #include <QByteArray>
 #include <QString>
@@ -12,7 +13,7 @@
 #include <mutex>
 #include <optional>
 
-#include <sys/types.h>
+struct LaunchedProgram;
 
 class ChildProcess
 {
@@ -32,17 +33,20 @@ public:
     // Starts `command`, or throws a SystemError that says why the system refused. Standard input stays that
     // of this process. The handlers are called on the main thread, never inside start(), whether or not a
     // handle is left: `onOutput` as output arrives, then `onEnd` once, after everything the child wrote. By
-    // then its process group is empty: what the child left running in it has been killed. On Linux the child
-    // is sent SIGTERM when this process dies. The kernel ties that to the thread that started the child, so
-    // this belongs to the main thread.
+    // then what it left running has been killed: its process group and, on Linux, whatever else it started.
+    // On Linux the child is sent SIGTERM soon after this process has died, and nothing it started outlives
+    // that by more than seconds. The kernel ties that to the thread that started the child, so this belongs
+    // to the main thread.
     static std::shared_ptr<ChildProcess> start(const Command &command, OutputHandler onOutput,
                                                EndHandler onEnd);
 
     // Dropping the last handle neither ends the child nor waits for it, and leaves no zombie behind.
-    ~ChildProcess();
+    ~ChildProcess() = default;
     ChildProcess(const ChildProcess &) = delete;
     ChildProcess &operator=(const ChildProcess &) = delete;
 
+    // The process id of the program, also when it has ended.
+    pid_t programId() const { return m_program; }
     // Whether the child has not been seen to end yet. Any thread.
     bool isRunning() const;
     // Asks the child itself, and nothing it started, to end (SIGTERM). Does not wait; does nothing when the
@@ -54,13 +58,14 @@ public:
 private:
     class Output;
 
-    explicit ChildProcess(pid_t pid);
+    explicit ChildProcess(const LaunchedProgram &launched);
     static void watch(const std::shared_ptr<ChildProcess> &child, Output *output);
     void waitForEnd() const;
     int reap();
+    void killAll() const;
 
-    const pid_t m_pid;     // also the number of its process group
-    int m_descriptor = -1; // a pidfd, where the system has them
+    const ProcessHandle m_child;
+    const pid_t m_program; // also the number of its process group
     mutable std::mutex m_mutex;
     bool m_reaped = false; // once set, the numbers may belong to somebody else
 };

@@ -22,7 +22,8 @@ private:
     pid_t m_id = -1;
 };
 
-// What the child does: sleep until it is ended, ten minutes at most.
+// What the child does: sleep until it is ended, ten minutes at most. With DEMO_ENGINE_RUNNER=2 beside a child
+// of its own, which is hard to get at.
 int runnerMain();
 
 } // namespace demo
