@@ -11,6 +11,7 @@
 #include "platform/error/Error.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/machine/Machine.h"
+#include "platform/text/OutsideText.h"
 
 #include <utility>
 
@@ -304,7 +305,7 @@ Task<> AppState::exportTo(QPointer<AppState> self, Conversation conversation, St
         description = errorDescription(std::current_exception());
     }
     if (!written && !stop.stopRequested())
-        self->setBanner(tr("Could not save the file: %1").arg(description));
+        self->setBanner(tr("Could not save the file: %1").arg(isolated(description)));
 }
 
 ModelSettings AppState::settings(const QString &model) const

@@ -7,6 +7,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int titleLength = 40;
+// Code units, since a character may have any number of them.
+constexpr qsizetype longestTitle = 1000;
 constexpr double nanosecondsPerSecond = 1'000'000'000;
 
 constexpr auto userRole = "user"_L1;
@@ -16,12 +18,13 @@ constexpr auto assistantRole = "assistant"_L1;
 
 QString ChatGeneration::titleFrom(const QString &text)
 {
-    QTextBoundaryFinder boundaries(QTextBoundaryFinder::Grapheme, text);
+    const QString start = text.left(longestTitle);
+    QTextBoundaryFinder boundaries(QTextBoundaryFinder::Grapheme, start);
     for (int i = 0; i < titleLength; ++i) {
         if (boundaries.toNextBoundary() < 0)
-            return text;
+            return start;
     }
-    return text.left(boundaries.position());
+    return start.left(boundaries.position());
 }
 
 QList<ChatRequestMessage> ChatGeneration::requestMessages(const Conversation &conversation,

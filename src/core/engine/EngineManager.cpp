@@ -7,6 +7,7 @@
 #include "platform/async/Sleep.h"
 #include "platform/defaults/UserDefaults.h"
 #include "platform/error/Error.h"
+#include "platform/text/OutsideText.h"
 
 #include <QFileInfo>
 #include <QPointer>
@@ -206,7 +207,7 @@ bool EngineManager::launchEngine(const QString &program)
         m_options.holder->set(process);
         return true;
     } catch (const Error &error) {
-        fail(tr("The engine could not be started: %1").arg(error.description()));
+        fail(tr("The engine could not be started: %1").arg(isolated(error.description())));
         return false;
     }
 }

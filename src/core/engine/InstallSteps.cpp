@@ -13,6 +13,7 @@
 #include "platform/files/RemoveTree.h"
 #include "platform/http/HttpClient.h"
 #include "platform/text/ByteCount.h"
+#include "platform/text/OutsideText.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -116,7 +117,7 @@ private:
 
 [[noreturn]] void failUnpacking(const QString &reason)
 {
-    throw SimpleError(Sentences::tr("Unpacking failed: %1").arg(lastCharacters(reason, 200)));
+    throw SimpleError(Sentences::tr("Unpacking failed: %1").arg(isolated(lastCharacters(reason, 200))));
 }
 
 // Of `folder`, or of the nearest parent that is there. Every other fault is that of whoever writes first.
@@ -265,7 +266,7 @@ Task<QString> verifyEngine(QString program)
     const ProcessResult result = co_await runProcess(program, arguments, inherited, keptOutput);
     const QString output = result.output.trimmed();
     if (result.status != 0 || output.isEmpty())
-        throw SimpleError(
-            Sentences::tr("The program was found but does not run (%1).").arg(lastCharacters(output, 150)));
+        throw SimpleError(Sentences::tr("The program was found but does not run (%1).")
+                              .arg(isolated(lastCharacters(output, 150))));
     co_return output;
 }

@@ -2,7 +2,6 @@
 
 #include "core/app/AppState.h"
 #include "ui/widgets/BorderlessButton.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/SelectableText.h"
 #include "ui/widgets/SymbolLabel.h"
@@ -38,7 +37,7 @@ BannerView::BannerView(AppState &state, QWidget *parent)
 
 void BannerView::render()
 {
-    m_message->showText(shortened(m_state.banner().value_or(QString())));
+    m_message->showText(m_state.banner().value_or(QString()));
     m_row->setVisible(m_state.banner().has_value());
 }
 

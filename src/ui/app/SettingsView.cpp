@@ -8,6 +8,7 @@
 #include "platform/error/Error.h"
 #include "platform/loginitem/LoginItem.h"
 #include "platform/text/ByteCount.h"
+#include "platform/text/OutsideText.h"
 #include "ui/engine/ServerRestart.h"
 #include "ui/widgets/Button.h"
 #include "ui/widgets/Card.h"
@@ -203,7 +204,7 @@ void SettingsView::setLogin(bool on)
         m_loginError.reset();
     } catch (const Error &error) {
         m_launchAtLogin = m_loginItem.isEnabled();
-        m_loginError = tr("Could not change this setting: %1").arg(error.description());
+        m_loginError = tr("Could not change this setting: %1").arg(isolated(error.description()));
     }
     render();
 }

@@ -1,6 +1,7 @@
 #include "ui/chat/ChatHeader.h"
 
 #include "core/app/AppState.h"
+#include "platform/text/OutsideText.h"
 #include "ui/chat/ModelSettingsView.h"
 #include "ui/widgets/BorderlessButton.h"
 #include "ui/widgets/PlainText.h"
@@ -106,7 +107,8 @@ void ChatHeader::renderChoices(const ModelChoices &choices)
         return;
     if (choices.entries != m_choices.entries || m_model->count() == 0) {
         m_model->clear();
-        m_model->addItems(choices.entries);
+        for (const QString &entry : choices.entries)
+            m_model->addItem(shownLine(entry));
     }
     m_choices = choices;
     m_model->setCurrentIndex(choices.current);

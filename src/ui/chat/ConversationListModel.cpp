@@ -1,6 +1,7 @@
 #include "ui/chat/ConversationListModel.h"
 
 #include "core/chat/ChatStore.h"
+#include "platform/text/OutsideText.h"
 
 #include <QElapsedTimer>
 
@@ -141,5 +142,5 @@ QVariant ConversationListModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid() || role != Qt::DisplayRole)
         return {};
-    return m_rows.at(index.row()).title;
+    return shownLine(m_rows.at(index.row()).title);
 }

@@ -1,6 +1,7 @@
 #include "ui/chat/ModelSettingsView.h"
 
 #include "core/app/AppState.h"
+#include "platform/text/OutsideText.h"
 #include "ui/chat/PromptEditor.h"
 #include "ui/widgets/ContinuousSlider.h"
 #include "ui/widgets/RenderScheduler.h"
@@ -68,7 +69,7 @@ ModelSettingsView::ModelSettingsView(AppState &state, const QString &model, QWid
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setFixedWidth(520);
-    auto *title = new TextLabel(tr("Settings for %1").arg(model), TextStyle::title3);
+    auto *title = new TextLabel(tr("Settings for %1").arg(isolated(model)), TextStyle::title3);
     title->setBold();
     title->setWrapping();
     setAccessibleName(title->text());

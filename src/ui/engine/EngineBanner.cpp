@@ -4,7 +4,6 @@
 #include "ui/engine/EngineInstallView.h"
 #include "ui/widgets/Card.h"
 #include "ui/widgets/FocusKeeper.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/ProminentButton.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/SelectableText.h"
@@ -74,7 +73,7 @@ void EngineBanner::render()
     const FocusKeeper keeper(this);
     const bool starting = state.kind == State::starting;
     const bool failed = state.kind == State::failed;
-    m_failure->showText(shortened(state.message));
+    m_failure->showText(state.message);
     m_failure->setVisible(failed);
     m_spinner->setVisible(starting);
     m_progress->setVisible(starting);

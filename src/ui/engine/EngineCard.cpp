@@ -1,11 +1,11 @@
 #include "ui/engine/EngineCard.h"
 
 #include "core/engine/EngineManager.h"
+#include "platform/text/OutsideText.h"
 #include "ui/engine/EngineInstallView.h"
 #include "ui/widgets/Button.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/FocusKeeper.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/SelectableText.h"
 
@@ -58,12 +58,12 @@ void EngineCard::render()
     const FocusKeeper keeper(this);
     const bool found = !m_engine.enginePath().isEmpty();
     const bool installing = m_engine.install().has_value();
-    m_path->setText(found ? tr("Found at %1").arg(m_engine.enginePath())
+    m_path->setText(found ? tr("Found at %1").arg(isolated(m_engine.enginePath()))
                           : tr("Ollama was not found on this Mac."));
-    m_version->setText(tr("Version %1").arg(m_engine.engineVersion()));
+    m_version->setText(tr("Version %1").arg(isolated(m_engine.engineVersion())));
     m_version->setVisible(found && !m_engine.engineVersion().isEmpty());
     m_install->setVisible(!found || installing);
     m_replacement->setVisible(found && !installing);
-    m_error->showText(shortened(m_engine.installError().value_or(QString())));
+    m_error->showText(m_engine.installError().value_or(QString()));
     m_error->setVisible(m_engine.installError().has_value());
 }

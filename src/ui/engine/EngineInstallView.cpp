@@ -3,7 +3,6 @@
 #include "core/engine/EngineManager.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/FocusKeeper.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/ProgressBar.h"
 #include "ui/widgets/ProminentButton.h"
 #include "ui/widgets/RenderScheduler.h"
@@ -63,6 +62,6 @@ void EngineInstallView::render()
         m_text->setText(status->text);
         m_cancel->setEnabled(status->cancellable);
     }
-    m_error->showText(shortened(m_engine.installError().value_or(QString())));
+    m_error->showText(m_engine.installError().value_or(QString()));
     m_error->setVisible(m_engine.installError().has_value());
 }

@@ -1,8 +1,8 @@
 #include "ui/engine/LogBox.h"
 
+#include "platform/text/OutsideText.h"
 #include "ui/widgets/AppearanceWatch.h"
 #include "ui/widgets/FocusRing.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/TextStyle.h"
 
 #include <QScrollBar>
@@ -97,7 +97,7 @@ void LogBox::append(const QStringList &lines)
     constexpr qsizetype longest = 8000;
     QStringList shown;
     for (const QString &line : lines)
-        shown.append(inOneBlock(shortened(line, longest)));
+        shown.append(inOneBlock(shownLines(line, longest)));
     cursor.insertText(shown.join(QLatin1Char('\n')));
     // One that reached to the end would otherwise grow with it.
     selection.setPosition(anchor);

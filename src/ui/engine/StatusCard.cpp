@@ -5,7 +5,6 @@
 #include "platform/desktop/Desktop.h"
 #include "ui/engine/ServerStatus.h"
 #include "ui/widgets/FocusKeeper.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/ProminentButton.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/SelectableText.h"
@@ -86,7 +85,7 @@ void StatusCard::render()
     m_status->setText(status.text);
     m_start->setVisible(!engine.isOn());
     m_stop->setVisible(engine.isOn());
-    m_failure->showText(shortened(state.message));
+    m_failure->showText(state.message);
     m_failure->setVisible(failed);
     m_otherPort->setVisible(failed && engine.portConflict());
     m_address->setText(engine.address());

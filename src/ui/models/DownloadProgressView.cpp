@@ -5,7 +5,6 @@
 #include "ui/widgets/Button.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/FocusKeeper.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/ProgressBar.h"
 #include "ui/widgets/SelectableText.h"
 
@@ -72,7 +71,7 @@ void DownloadProgressView::showItem(const DownloadItem &item)
         m_progress->setMinimumHeight(0);
     m_phase->setText(kind == Phase::queued ? tr("Waiting in the queue…") : tr("Download paused"));
     m_phase->setVisible(kind == Phase::queued || kind == Phase::cancelled);
-    m_reason->showText(shortened(item.phase.message));
+    m_reason->showText(item.phase.message);
     m_reason->setVisible(kind == Phase::failed);
     m_bar->setVisible(running);
     m_progress->setVisible(running);

@@ -2,11 +2,11 @@
 
 #include "core/api/Friendly.h"
 #include "core/api/OllamaClient.h"
+#include "platform/text/OutsideText.h"
 #include "platform/text/PluralForm.h"
 #include "ui/widgets/Button.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/FocusRing.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/ScrollPage.h"
 #include "ui/widgets/SelectableText.h"
 #include "ui/widgets/Spinner.h"
@@ -18,14 +18,20 @@
 
 namespace {
 
+// Code units and lines; far beyond any model's, and shown without a wait.
+constexpr qsizetype longestText = 20'000;
+constexpr int mostLines = 2000;
+constexpr qsizetype mostCapabilities = 100; // there are about five
+
 // As the user counts characters.
 QString firstCharacters(const QString &text, int count)
 {
-    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, text);
+    const QString start = text.left(longestText);
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, start);
     qsizetype end = 0;
     for (int character = 0; character < count && end >= 0; ++character)
         end = characters.toNextBoundary();
-    return end < 0 ? text : text.first(end);
+    return end < 0 ? start : start.first(end);
 }
 
 } // namespace
@@ -37,7 +43,7 @@ ModelDetailsView::ModelDetailsView(int port, const QString &model, QWidget *pare
       m_page(new ScrollPage)
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    setAccessibleName(model);
+    setAccessibleName(shownLine(model));
     resize(520, 460);
     auto *title = new ElidedLabel(model, TextStyle::title2);
     title->setElideMode(Qt::ElideMiddle);
@@ -93,7 +99,7 @@ Task<> ModelDetailsView::load(QPointer<ModelDetailsView> self, int port, QString
 void ModelDetailsView::render()
 {
     m_spinner->setVisible(!m_details && !m_error);
-    m_failure->showText(shortened(m_error.value_or(QString())));
+    m_failure->showText(m_error.value_or(QString()));
     m_failure->setVisible(m_error.has_value());
     m_page->setVisible(m_details.has_value());
     if (m_details)
@@ -108,9 +114,12 @@ void ModelDetailsView::renderDetails()
     addRow(tr("Quantization"), details.quantization);
     if (const std::optional<qint64> length = details.contextLength)
         addRow(tr("Context length"), tr("%1 tokens", nullptr, pluralForm(*length)).arg(*length));
-    addRow(tr("Capabilities"), details.capabilities.join(QLatin1String(", ")));
-    constexpr int parametersLimit = 20'000; // far beyond any model's, and shown without a wait
-    addText(tr("Default settings"), firstCharacters(details.parameters, parametersLimit), true);
+    QStringList capabilities;
+    for (const QString &capability :
+         details.capabilities.first(qMin(mostCapabilities, details.capabilities.size())))
+        capabilities.append(isolated(capability));
+    addRow(tr("Capabilities"), capabilities.join(QLatin1String(", ")));
+    addText(tr("Default settings"), details.parameters, true);
     constexpr int licenseLimit = 3000;
     addText(tr("License"), firstCharacters(details.license, licenseLimit), false);
     m_page->column()->addStretch(1);
@@ -125,7 +134,7 @@ void ModelDetailsView::addRow(const QString &label, const QString &value)
     name->setWrapping();
     auto *text = new SelectableText(TextStyle::body);
     text->setAccessibleName(label);
-    text->showText(shortened(value));
+    text->showText(value);
     auto *row = new QHBoxLayout;
     row->setSpacing(8);
     row->addWidget(name, 0, Qt::AlignTop);
@@ -144,6 +153,6 @@ void ModelDetailsView::addText(const QString &heading, const QString &text, bool
     if (monospaced)
         body->setMonospaced();
     body->setAccessibleName(heading);
-    body->showText(text);
+    body->showText(text, longestText, mostLines);
     m_page->column()->addWidget(body);
 }

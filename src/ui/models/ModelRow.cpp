@@ -2,6 +2,7 @@
 
 #include "core/app/AppState.h"
 #include "platform/text/ByteCount.h"
+#include "platform/text/OutsideText.h"
 #include "ui/models/DownloadProgressView.h"
 #include "ui/models/FitBadge.h"
 #include "ui/widgets/BorderlessButton.h"
@@ -41,7 +42,8 @@ ModelRow::ModelRow(AppState &state, const QString &name, const std::optional<Cat
       m_download(new ProminentButton(tr("Download"))),
       m_loaded(new QWidget)
 {
-    setAccessibleName(name);
+    const QString shownName = shownLine(name);
+    setAccessibleName(shownName);
     if (isBest)
         setFill(Tint::yellow, 0.1);
     auto *row = new QHBoxLayout;
@@ -51,7 +53,7 @@ ModelRow::ModelRow(AppState &state, const QString &name, const std::optional<Cat
     column()->addLayout(row);
     const QList<QAbstractButton *> buttons = findChildren<QAbstractButton *>();
     for (QAbstractButton *button : buttons)
-        button->setAccessibleDescription(name); // there is one like it in every row
+        button->setAccessibleDescription(shownName); // there is one like it in every row
 
     connect(m_download, &QPushButton::clicked, this, [this] {
         m_state.queue().enqueue(m_name, m_catalog ? std::optional(m_catalog->sizeBytes) : std::nullopt);

@@ -2,6 +2,7 @@
 
 #include "core/app/AppState.h"
 #include "platform/text/ByteCount.h"
+#include "platform/text/OutsideText.h"
 #include "platform/text/Trimming.h"
 #include "ui/engine/EngineBanner.h"
 #include "ui/models/FitBadge.h"
@@ -10,7 +11,6 @@
 #include "ui/models/OtherModels.h"
 #include "ui/widgets/Card.h"
 #include "ui/widgets/ConfirmationDialog.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/ProminentButton.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/SymbolLabel.h"
@@ -186,10 +186,11 @@ void ModelsView::download()
 
 void ModelsView::confirmDelete(const QString &name)
 {
+    constexpr qsizetype longestName = 500; // leaves room for the sentence
     auto *dialog = new ConfirmationDialog(
         {.title = tr("Delete this model?"),
-         .message =
-             tr("%1 will be removed from your disk. You can download it again later.").arg(shortened(name)),
+         .message = tr("%1 will be removed from your disk. You can download it again later.")
+                        .arg(isolated(shownLine(name, longestName))),
          .action = tr("Delete"),
          .destructive = true},
         this);

@@ -1,5 +1,6 @@
 #include "ui/widgets/BorderlessButton.h"
 
+#include "platform/text/OutsideText.h"
 #include "ui/widgets/AppearanceWatch.h"
 #include "ui/widgets/PlainText.h"
 #include "ui/widgets/SymbolIcon.h"
@@ -20,7 +21,7 @@ BorderlessButton::BorderlessButton(const QString &symbol, const QString &name, Q
     setAutoRaise(true);
     setFocusPolicy(Qt::StrongFocus);
     setToolTip(plainToolTip(name));
-    setAccessibleName(name);
+    setAccessibleName(shownLine(name));
     setIcon(SymbolIcon::icon(symbol));
     setIconSize({18, 18});
 }
@@ -40,7 +41,7 @@ void BorderlessButton::setWords(const QString &words)
     setText(withoutMnemonics(words));
     setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     setAccessibleDescription(accessibleName());
-    setAccessibleName(words);
+    setAccessibleName(shownLine(words));
 }
 
 QSize BorderlessButton::sizeHint() const

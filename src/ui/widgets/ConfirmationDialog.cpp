@@ -1,5 +1,6 @@
 #include "ui/widgets/ConfirmationDialog.h"
 
+#include "platform/text/OutsideText.h"
 #include "ui/widgets/ProminentButton.h"
 #include "ui/widgets/SelectableText.h"
 #include "ui/widgets/SymbolLabel.h"
@@ -14,12 +15,12 @@ using namespace Qt::StringLiterals;
 ConfirmationDialog::ConfirmationDialog(const Texts &texts, QWidget *parent) : QDialog(parent)
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    setAccessibleName(texts.title);
+    setAccessibleName(shownLine(texts.title));
 
     auto *title = new TextLabel(texts.title, TextStyle::headline);
     title->setWrapping();
     auto *message = new SelectableText(TextStyle::body); // which breaks words of any length
-    message->setAccessibleName(texts.title);
+    message->setAccessibleName(accessibleName());
     message->showText(texts.message);
     Button *action =
         texts.destructive ? new ProminentButton(texts.action, Tint::red) : new Button(texts.action);

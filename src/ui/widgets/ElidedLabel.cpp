@@ -1,29 +1,13 @@
 #include "ui/widgets/ElidedLabel.h"
 
+#include "platform/text/OutsideText.h"
 #include "ui/widgets/PlainText.h"
 
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
 
-#include <algorithm>
 #include <cmath>
-
-namespace {
-
-// Several blanks may be part of a name, so only what is no blank becomes one.
-QString inOneLine(QString text)
-{
-    const auto breaks = [](QChar character) {
-        return character.category() == QChar::Other_Control ||
-               character.category() == QChar::Separator_Line ||
-               character.category() == QChar::Separator_Paragraph;
-    };
-    std::replace_if(text.begin(), text.end(), breaks, QChar(QChar::Space));
-    return text;
-}
-
-} // namespace
 
 void ElidedLabel::setElideMode(Qt::TextElideMode mode)
 {
@@ -31,10 +15,9 @@ void ElidedLabel::setElideMode(Qt::TextElideMode mode)
     update();
 }
 
-// Measuring text takes time by its length, and nobody could read more anyway.
 QString ElidedLabel::line() const
 {
-    return inOneLine(shortened(text()));
+    return shownLine(text());
 }
 
 QString ElidedLabel::shown() const
@@ -57,9 +40,9 @@ QSize ElidedLabel::minimumSizeHint() const
 bool ElidedLabel::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
-        const bool cut = shown() != inOneLine(text());
+        const bool cut = shown() != line();
         QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(),
-                           cut ? plainToolTip(shortened(text())) : QString(), this);
+                           cut ? plainToolTip(text()) : QString(), this);
         return true;
     }
     return TextLabel::event(event);

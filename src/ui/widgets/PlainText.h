@@ -1,5 +1,5 @@
 // Guards text that comes from outside (the engine, a model, a file name) against being read as markup or
-// mnemonics, and the windows against its length.
+// mnemonics; both forms are bounded as OutsideText.h says.
 #pragma once
 
 #include <QString>
@@ -9,7 +9,3 @@ QString withoutMnemonics(const QString &text);
 
 // `text` for a tooltip, which Qt would show as rich text when it looks like it.
 QString plainToolTip(const QString &text);
-
-// As much of `text` as a place made for a few sentences shows: at most `longest` characters and 12 lines, and
-// an ellipsis where it was cut.
-QString shortened(const QString &text, qsizetype longest = 1000);

@@ -1,5 +1,6 @@
 #include "ui/widgets/RowDelegate.h"
 
+#include "platform/text/OutsideText.h"
 #include "ui/widgets/PlainText.h"
 #include "ui/widgets/SymbolIcon.h"
 
@@ -24,7 +25,7 @@ QRect textRect(const QRect &row, bool withIcon)
 
 QString text(const QModelIndex &index)
 {
-    return index.data(Qt::DisplayRole).toString().simplified();
+    return shownLine(index.data(Qt::DisplayRole).toString()).simplified();
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "ui/widgets/SelectableText.h"
 
+#include "platform/text/OutsideText.h"
 #include "ui/widgets/AppearanceWatch.h"
 
 #include <QFocusEvent>
@@ -30,16 +31,17 @@ SelectableText::SelectableText(TextStyle style, Tint tint, QWidget *parent)
     tintText(*this, m_tint);
 }
 
-void SelectableText::showText(const QString &text)
+void SelectableText::showText(const QString &text, qsizetype longest, int mostLines)
 {
-    if (text == m_text)
+    const QString shown = shownLines(text, longest, mostLines);
+    if (shown == m_text)
         return;
-    if (text.startsWith(m_text)) {
-        append(text.mid(m_text.size()));
+    if (shown.startsWith(m_text)) {
+        append(shown.mid(m_text.size()));
     } else {
-        setPlainText(text);
+        setPlainText(shown);
     }
-    m_text = text;
+    m_text = shown;
     updateGeometry();
 }
 

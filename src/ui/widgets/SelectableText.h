@@ -1,5 +1,5 @@
-// Plain text of any length that the user can select and copy. It takes the height its lines need at its
-// width, breaks words that are too long for it, and leaves the mouse wheel to what is around it.
+// Plain text that the user can select and copy. It takes the height its lines need at its width, breaks words
+// that are too long for it, and leaves the mouse wheel to what is around it.
 #pragma once
 
 #include "ui/widgets/TextStyle.h"
@@ -14,8 +14,9 @@ class SelectableText : public QTextEdit
 public:
     explicit SelectableText(TextStyle style, Tint tint = Tint::text, QWidget *parent = nullptr);
 
-    // Text that only grows is appended, so that a selection survives.
-    void showText(const QString &text);
+    // Shows at most `longest` code units and `mostLines` lines of it. Text that only grows is appended, so
+    // that a selection survives.
+    void showText(const QString &text, qsizetype longest = 1000, int mostLines = 12);
     void setMonospaced();
 
     bool hasHeightForWidth() const override { return true; }

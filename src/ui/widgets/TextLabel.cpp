@@ -1,5 +1,6 @@
 #include "ui/widgets/TextLabel.h"
 
+#include "platform/text/OutsideText.h"
 #include "ui/widgets/AppearanceWatch.h"
 
 #include <QClipboard>
@@ -21,6 +22,11 @@ TextLabel::TextLabel(const QString &text, TextStyle style, Tint tint, QWidget *p
     : TextLabel(style, tint, parent)
 {
     setText(text);
+}
+
+void TextLabel::setText(const QString &text)
+{
+    QLabel::setText(shownLines(text));
 }
 
 void TextLabel::setTint(Tint tint)

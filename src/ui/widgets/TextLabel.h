@@ -16,6 +16,8 @@ public:
     explicit TextLabel(const QString &text, TextStyle style = TextStyle::body, Tint tint = Tint::text,
                        QWidget *parent = nullptr);
 
+    // Shows as much of it as a place made for a few sentences does.
+    void setText(const QString &text);
     void setTint(Tint tint);
     void setBold();
     void setMonospaced();

@@ -3,9 +3,12 @@
 #include "support/RawServer.h"
 #include "ui/chat/ModelSettingsView.h"
 #include "ui/models/ModelDetailsView.h"
+#include "ui/models/ModelRow.h"
 #include "ui/widgets/BorderlessButton.h"
 #include "ui/widgets/ConfirmationDialog.h"
 #include "ui/widgets/ProminentButton.h"
+#include "ui/widgets/SelectableText.h"
+#include "ui/widgets/TextLabel.h"
 
 #include <QScopeGuard>
 
@@ -87,6 +90,27 @@ private Q_SLOTS:
         QVERIFY(last.waitForConnected());
         QTRY_COMPARE(server.connections, 1);
         QCOMPARE(markup(details), QString());
+    }
+
+    // A name that would turn the words of ours around it does so in none of their places.
+    void leavesOurWordsInTheirOrder()
+    {
+        const QString name = u"\u05D0\u202E\u2067x"_s;
+        const QString shown = u"\u2068\u05D0x\u2069"_s;
+        AppOnScreen app({{u"DEMO_ENGINE_INSTALLED"_s, u"gemma3:4b"_s}});
+        app->openChat(u"gemma3:4b"_s);
+        app->setTab(AppTab::chat);
+        const QUuid chat = app->chats().conversations().first().id;
+        app->chats().rename(chat, name);
+        QTRY_VERIFY(alltexts::ofWindow(*app.window()).contains(u"\u05D0\u2067x"_s)); // alone in its place
+        app->setTab(AppTab::models);
+        Q_EMIT app.find<ModelRow>()->deleteRequested(name);
+        auto *const dialog = app.find<ConfirmationDialog>();
+        QVERIFY(dialog);
+        QVERIFY(
+            onscreen::words(dialog->findChild<SelectableText *>()).startsWith(shown + u" will be removed"_s));
+        ModelSettingsView sheet(*app, name, nullptr);
+        QCOMPARE(sheet.findChild<TextLabel *>()->text(), u"Settings for "_s + shown);
     }
 
     void buttonsAndTooltips()

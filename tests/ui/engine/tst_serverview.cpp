@@ -1,3 +1,4 @@
+#include "platform/text/OutsideText.h"
 #include "support/AppWithItsEngine.h"
 #include "support/OnScreen.h"
 #include "support/ReleaseServer.h"
@@ -5,7 +6,6 @@
 #include "ui/engine/LogBox.h"
 #include "ui/engine/ServerView.h"
 #include "ui/widgets/ConfirmationDialog.h"
-#include "ui/widgets/PlainText.h"
 
 #include <QProgressBar>
 #include <QScrollBar>
@@ -117,7 +117,7 @@ private Q_SLOTS:
             box.showLines(lines);
             QStringList shown;
             for (const QString &line : lines)
-                shown.append(shortened(line, 8000).replace(u'\u2029', u'\n'));
+                shown.append(shownLines(line, 8000).replace(u'\u2029', u'\n'));
             QCOMPARE(box.toPlainText(), shown.join(u'\n'));
         }
     }

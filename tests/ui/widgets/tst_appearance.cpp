@@ -1,7 +1,7 @@
+#include "platform/text/OutsideText.h"
 #include "support/Table.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/PlaceholderColor.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/SelectableText.h"
 #include "ui/widgets/SymbolIcon.h"
 #include "ui/widgets/TextLabel.h"
@@ -117,7 +117,7 @@ private Q_SLOTS:
     void shortened()
     {
         QFETCH(const QString, text);
-        QTEST(::shortened(text), "shown");
+        QTEST(shownLines(text), "shown");
     }
 
     void cutsOnlyWhatDoesNotFit()
