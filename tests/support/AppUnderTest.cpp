@@ -27,7 +27,8 @@ AppState::Dependencies AppUnderTest::dependencies()
             .chatsFolder = sandbox.path(u"chats"_s),
             .engine = Sandbox::engineOptions(),
             .downloads = {.freeBytes = [](const QString &) { return std::optional<qint64>(); }},
-            .statusPause = std::chrono::milliseconds(20)};
+            .statusPause = std::chrono::milliseconds(20),
+            .unloadPatience = std::chrono::milliseconds(1000)};
 }
 
 void AppUnderTest::addModel(const QString &model) const

@@ -57,7 +57,7 @@ DemoEngine::DemoEngine(const QMap<QString, QString> &variables)
 QMap<QString, QString> DemoEngine::quick(QMap<QString, QString> variables)
 {
     const QStringList paces{u"DEMO_ENGINE_READY_MS"_s, u"DEMO_ENGINE_PULL_MS"_s, u"DEMO_ENGINE_LOAD_MS"_s,
-                            u"DEMO_ENGINE_CHUNK_MS"_s};
+                            u"DEMO_ENGINE_UNLOAD_MS"_s, u"DEMO_ENGINE_CHUNK_MS"_s};
     for (const QString &pace : paces) {
         if (!variables.contains(pace))
             variables.insert(pace, u"0"_s);

@@ -47,7 +47,7 @@ AppState::AppState(const Dependencies &dependencies, QObject *parent)
       m_chats(dependencies.chatsFolder),
       m_memory(dependencies.memory ? *dependencies.memory : physicalMemory()),
       m_statusPause(dependencies.statusPause),
-      m_models(std::make_unique<EngineModels>(m_engine)),
+      m_models(std::make_unique<EngineModels>(m_engine, dependencies.unloadPatience)),
       m_replies(std::make_unique<ReplyGenerator>(m_engine, m_chats))
 {
     m_defaults.registerDefault(serverWantedKey, true);
@@ -85,6 +85,7 @@ void AppState::wire()
 
     connect(m_models.get(), &EngineModels::installedChanged, this, &AppState::installedChanged);
     connect(m_models.get(), &EngineModels::loadedChanged, this, &AppState::loadedChanged);
+    connect(m_models.get(), &EngineModels::unloadingChanged, this, &AppState::unloadingChanged);
     connect(m_models.get(), &EngineModels::capabilitiesChanged, this, &AppState::capabilitiesChanged);
     connect(m_models.get(), &EngineModels::failed, this, &AppState::setBanner);
     connect(m_replies.get(), &ReplyGenerator::generatingIDChanged, this, &AppState::generatingIDChanged);
@@ -141,14 +142,19 @@ const QHash<QString, QStringList> &AppState::capabilities() const
     return m_models->capabilities();
 }
 
-bool AppState::isInstalled(const QString &name) const
+const InstalledModel *AppState::findInstalled(const QString &name) const
 {
-    return m_models->isInstalled(name);
+    return m_models->findInstalled(name);
 }
 
 bool AppState::isLoaded(const QString &name) const
 {
     return m_models->isLoaded(name);
+}
+
+bool AppState::isUnloading(const QString &name) const
+{
+    return m_models->isUnloading(name);
 }
 
 Task<> AppState::refresh()

@@ -41,8 +41,9 @@ public:
         QString chatsFolder;
         EngineOptions engine = {};
         DownloadQueue::Seams downloads = {};
-        std::chrono::milliseconds statusPause{4000}; // between two passes over the lists of models
-        std::optional<quint64> memory = {};          // in bytes; absent: what is built into the machine
+        std::chrono::milliseconds statusPause{4000};      // between two passes over the lists of models
+        std::chrono::milliseconds unloadPatience{10'000}; // for a model to leave the engine's memory
+        std::optional<quint64> memory = {};               // in bytes; absent: what is built into the machine
     };
 
     // Creates what it owns and begins its status loop in the next turn of the event loop.
@@ -72,9 +73,13 @@ public:
     const QList<LoadedModel> &loaded() const;
     // What the engine says that each model can do, by the name it was asked under.
     const QHash<QString, QStringList> &capabilities() const;
-    // Both compare names in their normalised form.
-    bool isInstalled(const QString &name) const;
+    // All compare names in their normalised form. What is found first, or null when there is none; valid
+    // until the next change.
+    const InstalledModel *findInstalled(const QString &name) const;
+    bool isInstalled(const QString &name) const { return findInstalled(name) != nullptr; }
     bool isLoaded(const QString &name) const;
+    // Whether it has been asked to leave the engine's memory, and may yet do so.
+    bool isUnloading(const QString &name) const;
     // One pass over the installed and the loaded list; never throws.
     Task<> refresh();
     // Asks once per run for what the model can do, while the engine runs; later calls find it cached.
@@ -118,6 +123,7 @@ Q_SIGNALS:
     void tabChanged();
     void installedChanged();
     void loadedChanged();
+    void unloadingChanged();
     void capabilitiesChanged();
     void bannerChanged();
     void generatingIDChanged();

@@ -4,6 +4,9 @@
 #include "core/api/OllamaClient.h"
 #include "core/engine/EngineManager.h"
 #include "core/models/ModelCatalog.h"
+#include "platform/async/Sleep.h"
+
+#include <QDeadlineTimer>
 
 #include <algorithm>
 #include <optional>
@@ -22,19 +25,11 @@ Task<std::optional<T>> answerOf(Task<T> request)
     }
 }
 
-template <class Model>
-bool holds(const QList<Model> &models, const QString &name)
-{
-    const QString wanted = ModelCatalog::normalized(name);
-    const auto isIt = [&wanted](const Model &model) {
-        return ModelCatalog::normalized(model.name) == wanted;
-    };
-    return std::ranges::any_of(models, isIt);
-}
-
 } // namespace
 
-EngineModels::EngineModels(const EngineManager &engine, QObject *parent) : QObject(parent), m_engine(engine)
+EngineModels::EngineModels(const EngineManager &engine, std::chrono::milliseconds unloadPatience,
+                           QObject *parent)
+    : QObject(parent), m_engine(engine), m_unloadPatience(unloadPatience)
 {
     connect(&m_engine, &EngineManager::stateChanged, this, &EngineModels::followEngine);
 }
@@ -44,14 +39,20 @@ EngineModels::~EngineModels()
     m_stop.requestStop();
 }
 
-bool EngineModels::isInstalled(const QString &name) const
+const InstalledModel *EngineModels::findInstalled(const QString &name) const
 {
-    return holds(m_installed, name);
+    const auto place = m_installedPlaces.constFind(ModelCatalog::normalized(name));
+    return place != m_installedPlaces.cend() ? &m_installed.at(*place) : nullptr;
 }
 
 bool EngineModels::isLoaded(const QString &name) const
 {
-    return holds(m_loaded, name);
+    return m_loadedNames.contains(ModelCatalog::normalized(name));
+}
+
+bool EngineModels::isUnloading(const QString &name) const
+{
+    return m_unloading.contains(ModelCatalog::normalized(name));
 }
 
 Task<> EngineModels::refresh()
@@ -69,6 +70,12 @@ Task<> EngineModels::pass(QPointer<EngineModels> self, StopToken stop)
         co_return;
     if (installed)
         self->setInstalled(*installed);
+    co_await askForLoaded(self, stop);
+}
+
+Task<> EngineModels::askForLoaded(QPointer<EngineModels> self, StopToken stop)
+{
+    const OllamaClient client(self->m_engine.port());
     const auto loaded = co_await answerOf(client.ps(stop));
     if (stop.stopRequested())
         co_return;
@@ -106,15 +113,44 @@ Task<> EngineModels::ask(QPointer<EngineModels> self, QString name, StopToken st
 
 void EngineModels::remove(const QString &name)
 {
-    launch([&] { return perform(this, &OllamaClient::deleteModel, name, m_stop.token()); });
+    launch([&] { return removeAndRefresh(this, name, m_stop.token()); });
+}
+
+Task<> EngineModels::removeAndRefresh(QPointer<EngineModels> self, QString name, StopToken stop)
+{
+    co_await perform(self, &OllamaClient::deleteModel, name, stop);
 }
 
 void EngineModels::unload(const QString &name)
 {
-    launch([&] { return perform(this, &OllamaClient::unload, name, m_stop.token()); });
+    if (isUnloading(name))
+        return;
+    setUnloading(name, true);
+    launch([&] { return unloadAndWait(this, name, m_stop.token()); });
 }
 
-Task<> EngineModels::perform(QPointer<EngineModels> self, Request request, QString name, StopToken stop)
+Task<> EngineModels::unloadAndWait(QPointer<EngineModels> self, QString name, StopToken stop)
+{
+    constexpr std::chrono::milliseconds pause(500);
+    const bool agreed = co_await perform(self, &OllamaClient::unload, name, stop);
+    if (stop.stopRequested())
+        co_return;
+    const QDeadlineTimer end(self->m_unloadPatience);
+    while (agreed && self->engineRuns() && self->isLoaded(name) && !end.hasExpired()) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end.remainingTimeAsDuration());
+        const std::chrono::milliseconds next = std::min(pause, left);
+        co_await sleepFor(next, stop);
+        if (stop.stopRequested())
+            co_return;
+        co_await askForLoaded(self, stop);
+        if (stop.stopRequested())
+            co_return;
+    }
+    self->setUnloading(name, false);
+}
+
+// Whether the engine agreed.
+Task<bool> EngineModels::perform(QPointer<EngineModels> self, Request request, QString name, StopToken stop)
 {
     std::optional<QString> message;
     try {
@@ -124,10 +160,11 @@ Task<> EngineModels::perform(QPointer<EngineModels> self, Request request, QStri
         message = Friendly::message(std::current_exception());
     }
     if (stop.stopRequested())
-        co_return;
+        co_return false;
     if (message)
         Q_EMIT self->failed(*message);
     co_await pass(self, stop);
+    co_return !message;
 }
 
 bool EngineModels::engineRuns() const
@@ -137,14 +174,32 @@ bool EngineModels::engineRuns() const
 
 void EngineModels::setInstalled(const QList<InstalledModel> &installed)
 {
-    if (std::exchange(m_installed, installed) != installed)
-        Q_EMIT installedChanged();
+    if (std::exchange(m_installed, installed) == installed)
+        return;
+    m_installedPlaces.clear();
+    for (qsizetype place = m_installed.size() - 1; place >= 0; --place) // the first of a name stays
+        m_installedPlaces.insert(ModelCatalog::normalized(m_installed.at(place).name), place);
+    Q_EMIT installedChanged();
 }
 
 void EngineModels::setLoaded(const QList<LoadedModel> &loaded)
 {
-    if (std::exchange(m_loaded, loaded) != loaded)
-        Q_EMIT loadedChanged();
+    if (std::exchange(m_loaded, loaded) == loaded)
+        return;
+    m_loadedNames.clear();
+    for (const LoadedModel &model : std::as_const(m_loaded))
+        m_loadedNames.insert(ModelCatalog::normalized(model.name));
+    Q_EMIT loadedChanged();
+}
+
+void EngineModels::setUnloading(const QString &name, bool unloading)
+{
+    const QString normalized = ModelCatalog::normalized(name);
+    if (unloading)
+        m_unloading.insert(normalized);
+    else
+        m_unloading.remove(normalized);
+    Q_EMIT unloadingChanged();
 }
 
 void EngineModels::setCapabilities(const QString &name, const QStringList &capabilities)

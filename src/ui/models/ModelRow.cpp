@@ -9,26 +9,13 @@
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/FocusKeeper.h"
 #include "ui/widgets/ProminentButton.h"
+#include "ui/widgets/Spinner.h"
 #include "ui/widgets/StatusDot.h"
 #include "ui/widgets/SymbolLabel.h"
 
 #include <QHBoxLayout>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-const InstalledModel *findInstalled(const AppState &state, const QString &name)
-{
-    const QString normalized = ModelCatalog::normalized(name);
-    for (const InstalledModel &model : state.installed()) {
-        if (ModelCatalog::normalized(model.name) == normalized)
-            return &model;
-    }
-    return nullptr;
-}
-
-} // namespace
 
 ModelRow::ModelRow(AppState &state, const QString &name, const std::optional<CatalogModel> &catalog,
                    bool isBest, QWidget *parent)
@@ -40,7 +27,11 @@ ModelRow::ModelRow(AppState &state, const QString &name, const std::optional<Cat
       m_progress(new DownloadProgressView(state.queue())),
       m_installed(new QWidget),
       m_download(new ProminentButton(tr("Download"))),
-      m_loaded(new QWidget)
+      m_chat(new ProminentButton(tr("Chat"))),
+      m_loaded(new QWidget),
+      m_inMemory(new StatusDot(8, Tint::green)),
+      m_unloading(new Spinner(12, tr("Unloading"))),
+      m_unload(new Button(tr("Unload")))
 {
     const QString shownName = shownLine(name);
     setAccessibleName(shownName);
@@ -111,25 +102,24 @@ QWidget *ModelRow::makeActions()
 
 void ModelRow::fillInstalled()
 {
-    auto *chat = new ProminentButton(tr("Chat"));
     auto *details = new Button(tr("Details"));
     auto *trash = new BorderlessButton(u"trash"_s, tr("Delete this model"));
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(8);
     buttons->addStretch(1);
-    buttons->addWidget(chat);
+    buttons->addWidget(m_chat);
     buttons->addWidget(details);
     buttons->addWidget(trash);
 
-    auto *unload = new Button(tr("Unload"));
-    unload->setTextStyle(TextStyle::callout);
+    m_unload->setTextStyle(TextStyle::callout);
     auto *loaded = new QHBoxLayout(m_loaded);
     loaded->setContentsMargins(0, 0, 0, 0);
     loaded->setSpacing(8);
     loaded->addStretch(1);
-    loaded->addWidget(new StatusDot(8, Tint::green));
+    loaded->addWidget(m_inMemory);
+    loaded->addWidget(m_unloading);
     loaded->addWidget(new ElidedLabel(tr("Loaded in memory"), TextStyle::callout));
-    loaded->addWidget(unload);
+    loaded->addWidget(m_unload);
 
     auto *part = new QVBoxLayout(m_installed);
     part->setContentsMargins(0, 0, 0, 0);
@@ -137,15 +127,15 @@ void ModelRow::fillInstalled()
     part->addLayout(buttons);
     part->addWidget(m_loaded);
 
-    connect(chat, &QPushButton::clicked, this, [this] { m_state.openChat(m_installedName); });
+    connect(m_chat, &QPushButton::clicked, this, [this] { m_state.openChat(m_installedName); });
     connect(details, &QPushButton::clicked, this, [this] { Q_EMIT detailsRequested(m_installedName); });
     connect(trash, &QToolButton::clicked, this, [this] { Q_EMIT deleteRequested(m_installedName); });
-    connect(unload, &QPushButton::clicked, this, [this] { m_state.unload(m_installedName); });
+    connect(m_unload, &QPushButton::clicked, this, [this] { m_state.unload(m_installedName); });
 }
 
 void ModelRow::render()
 {
-    const InstalledModel *installed = findInstalled(m_state, m_name);
+    const InstalledModel *const installed = m_state.findInstalled(m_name);
     m_installedName = installed ? installed->name : QString();
     if (m_catalog)
         m_size->setText(m_catalog->note.isEmpty() ? m_catalog->sizeLabel
@@ -161,4 +151,15 @@ void ModelRow::render()
     m_loaded->setVisible(installed && m_state.isLoaded(m_installedName));
     m_installed->setVisible(!item && installed);
     m_download->setVisible(!item && !installed);
+    renderUnloading(m_state.isUnloading(m_installedName));
+}
+
+void ModelRow::renderUnloading(bool unloading)
+{
+    m_inMemory->setVisible(!unloading);
+    m_unloading->setVisible(unloading);
+    // Disabled, it would hand the focus to the next row.
+    if (unloading && m_unload->hasFocus())
+        m_chat->setFocus();
+    m_unload->setDisabled(unloading);
 }

@@ -8,9 +8,12 @@
 #include <optional>
 
 class AppState;
+class Button;
 class DownloadProgressView;
 class ProminentButton;
 class QBoxLayout;
+class Spinner;
+class StatusDot;
 class TextLabel;
 
 class ModelRow : public Card
@@ -35,6 +38,7 @@ private:
     QBoxLayout *makeTexts(bool isBest);
     QWidget *makeActions();
     void fillInstalled();
+    void renderUnloading(bool unloading);
 
     AppState &m_state;
     const QString m_name;
@@ -45,5 +49,10 @@ private:
     DownloadProgressView *const m_progress;
     QWidget *const m_installed;
     ProminentButton *const m_download;
-    QWidget *const m_loaded; // in m_installed
+    // In m_installed; the last three are in m_loaded.
+    ProminentButton *const m_chat;
+    QWidget *const m_loaded;
+    StatusDot *const m_inMemory;
+    Spinner *const m_unloading;
+    Button *const m_unload;
 };

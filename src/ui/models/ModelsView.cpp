@@ -60,7 +60,8 @@ ModelsView::ModelsView(AppState &state, QWidget *parent)
 
     render();
     auto *scheduler = new RenderScheduler(this, [this] { render(); });
-    scheduler->follow(&m_state, &AppState::installedChanged, &AppState::loadedChanged);
+    scheduler->follow(&m_state, &AppState::installedChanged, &AppState::loadedChanged,
+                      &AppState::unloadingChanged);
     scheduler->follow(&m_state.queue(), &DownloadQueue::itemsChanged);
 }
 

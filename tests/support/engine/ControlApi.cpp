@@ -54,10 +54,12 @@ void setPace(EngineState &state, const QJsonObject &body, httplib::Response &res
     };
     take("pullMs"_L1, state.pace.pullMs, 0);
     take("loadMs"_L1, state.pace.loadMs, 0);
+    take("unloadMs"_L1, state.pace.unloadMs, 0);
     take("chunkMs"_L1, state.pace.chunkMs, 0);
     take("chunkBytes"_L1, state.pace.chunkBytes, 1);
     answer(response, {{"pullMs"_L1, state.pace.pullMs.load()},
                       {"loadMs"_L1, state.pace.loadMs.load()},
+                      {"unloadMs"_L1, state.pace.unloadMs.load()},
                       {"chunkMs"_L1, state.pace.chunkMs.load()},
                       {"chunkBytes"_L1, state.pace.chunkBytes.load()}});
 }

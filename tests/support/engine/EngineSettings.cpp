@@ -91,6 +91,7 @@ void readPaceFromEnvironment(Pace &pace)
 {
     pace.pullMs = numberOr("DEMO_ENGINE_PULL_MS", pace.pullMs);
     pace.loadMs = numberOr("DEMO_ENGINE_LOAD_MS", pace.loadMs);
+    pace.unloadMs = numberOr("DEMO_ENGINE_UNLOAD_MS", pace.unloadMs);
     pace.chunkMs = numberOr("DEMO_ENGINE_CHUNK_MS", pace.chunkMs);
     pace.chunkBytes = std::max(1, numberOr("DEMO_ENGINE_CHUNK_BYTES", pace.chunkBytes));
 }

@@ -35,6 +35,7 @@ struct Pace
 {
     std::atomic<int> pullMs{6000};
     std::atomic<int> loadMs{600};
+    std::atomic<int> unloadMs{1500};
     std::atomic<int> chunkMs{25};
     std::atomic<int> chunkBytes{8};
 };

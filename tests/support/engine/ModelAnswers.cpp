@@ -165,7 +165,7 @@ void unloadModel(EngineState &state, Exchange &exchange, const QJsonObject &body
         exchange.replyError(501, "the demonstration engine only unloads with this endpoint");
         return;
     }
-    state.running.unload(request.name);
+    state.running.unload(request.name, std::chrono::milliseconds(state.pace.unloadMs));
     exchange.reply({{"model"_L1, toQt(request.text)},
                     {"created_at"_L1, toQt(utcTimestamp(std::chrono::system_clock::now()))},
                     {"response"_L1, QString()},

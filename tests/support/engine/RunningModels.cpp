@@ -11,7 +11,6 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 constexpr auto pollInterval = 10ms;
-constexpr auto unloadDelay = 80ms;
 
 } // namespace
 
@@ -114,12 +113,12 @@ void RunningModels::release(const ModelName &name)
     entry->expiry = Clock::now() + entry->keepAlive.value_or(0ns);
 }
 
-void RunningModels::unload(const ModelName &name)
+void RunningModels::unload(const ModelName &name, std::chrono::milliseconds delay)
 {
     const std::lock_guard lock(m_mutex);
     if (Entry *entry = find(name)) {
-        entry->keepAlive = unloadDelay;
-        entry->expiry = Clock::now() + unloadDelay;
+        entry->keepAlive = delay;
+        entry->expiry = Clock::now() + delay;
     }
 }
 

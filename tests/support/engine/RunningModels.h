@@ -50,8 +50,8 @@ public:
     // nothing when the client went away meanwhile. Blocks.
     std::optional<std::chrono::nanoseconds> acquire(const LoadRequest &request, const Connection &client);
     void release(const ModelName &name);
-    // The model leaves a moment later, once nobody uses it.
-    void unload(const ModelName &name);
+    // The model leaves after `delay`, once nobody uses it.
+    void unload(const ModelName &name, std::chrono::milliseconds delay);
 
     // Those that have finished loading, the last loaded first.
     std::vector<RunningModel> list() const;

@@ -74,8 +74,17 @@ private Q_SLOTS:
         QCOMPARE(app->tab(), AppTab::chat);
         app->send(u"Hello"_s, *app->chats().selectedID());
         QTRY_VERIFY(app.shows(name, u"Loaded in memory"_s));
+        // The engine agrees at once, but takes too long for us to wait, and then a while.
+        app.setPace(R"({"unloadMs":60000})");
+        app.press(name, u"Unload"_s);
+        QTRY_VERIFY(app.shows(name, u"Unloading"_s) && !onscreen::canClick(app.row(name), u"Unload"_s));
+        QCOMPARE(QApplication::focusWidget(), onscreen::find(app.row(name), u"Chat"_s));
+        QTRY_VERIFY(onscreen::canClick(app.row(name), u"Unload"_s) && !app.shows(name, u"Unloading"_s));
+        app.setPace(R"({"unloadMs":100})");
         app.click(name, u"Unload"_s);
         QTRY_VERIFY(!app.shows(name, u"Loaded in memory"_s));
+        QTRY_VERIFY(!app->isUnloading(name));
+        QCOMPARE(app.demo.requests(u"/api/generate"_s).size(), 2);
 
         QPointer<ConfirmationDialog> dialog = app.askToDelete(name);
         QVERIFY(onscreen::shows(
