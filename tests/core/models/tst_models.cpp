@@ -150,7 +150,8 @@ private Q_SLOTS:
         queue.enqueue(u"second"_s, {});
         QCOMPARE(at(queue, u"second"_s).phase.kind, Phase::queued);
         QTRY_VERIFY(app->isInstalled(u"first"_s) && app->isInstalled(u"second"_s));
-        QVERIFY(ids(queue) == QStringList(u"third:latest"_s) && shown == queue.items());
+        QTRY_COMPARE(ids(queue), QStringList(u"third:latest"_s));
+        QCOMPARE(shown, queue.items());
         queue.cancel(u"third"_s);
         QVERIFY(shown.isEmpty() && queue.items().isEmpty());
     }
