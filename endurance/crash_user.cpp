@@ -202,7 +202,7 @@ int use(const QString &profile, const QString &engine, int port)
 
     say("up");
     SingleInstance instance(profile);
-    if (!instance.claim()) {
+    if (instance.claim().outcome != SingleInstance::Claim::Outcome::first) {
         std::fprintf(stderr, "crash_user: the profile is taken\n");
         return 3;
     }

@@ -8,6 +8,7 @@
 #include "platform/loginitem/LoginItem.h"
 #include "platform/tray/TrayHost.h"
 #include "ui/app/GuideView.h"
+#include "ui/app/LaunchFailure.h"
 #include "ui/app/MainWindow.h"
 #include "ui/app/QtDesktop.h"
 #include "ui/app/SettingsView.h"
@@ -22,7 +23,6 @@
 #include <QScopeGuard>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
@@ -32,7 +32,7 @@ namespace {
 // Where one running program keeps everything it writes.
 struct Profile
 {
-    QString folder;        // holds the single-instance lock
+    QString folder;        // holds the single-instance lock; empty: there is none
     QString settingsFile;  // empty: the desktop's own place for settings
     QStringList arguments; // with which a launch finds this profile again
 };
@@ -40,7 +40,7 @@ struct Profile
 struct CommandLine
 {
     Profile profile;
-    SingleInstance::Wish wish = SingleInstance::Wish::show;
+    LaunchRequest::Wish wish = LaunchRequest::Wish::show;
 };
 
 CommandLine readCommandLine()
@@ -57,9 +57,13 @@ CommandLine readCommandLine()
     const QCommandLineOption newChat(u"new-chat"_s, QApplication::translate("main", "Begin a new chat."));
     parser.addOption(newChat);
     parser.process(*QCoreApplication::instance());
-    const auto wish = parser.isSet(newChat) ? SingleInstance::Wish::newChat : SingleInstance::Wish::show;
-    if (!parser.isSet(folder))
-        return {{AppPaths::applicationDir(), {}, {}}, wish};
+    const auto wish = parser.isSet(newChat) ? LaunchRequest::Wish::newChat : LaunchRequest::Wish::show;
+    if (!parser.isSet(folder)) {
+        // Qt would take the root folder for a home that nobody names.
+        const bool isNowhere =
+            qEnvironmentVariableIsEmpty("HOME") && qEnvironmentVariableIsEmpty("XDG_DATA_HOME");
+        return {{isNowhere ? QString() : AppPaths::applicationDir(), {}, {}}, wish};
+    }
 
     const QDir profile(parser.value(folder));
     AppPaths::setApplicationDir(profile.absoluteFilePath(u"Tarnwick"_s));
@@ -106,13 +110,13 @@ auto settingsOpener(AppState &state, Desktop &desktop, UserDefaults &defaults, L
     };
 }
 
-int run(const CommandLine &launch, SingleInstance &instance)
+int run(const Profile &profile, const LaunchRequest &launch, SingleInstance &instance)
 {
-    const std::unique_ptr<UserDefaults> defaults = openDefaults(launch.profile);
+    const std::unique_ptr<UserDefaults> defaults = openDefaults(profile);
     QtDesktop desktop;
     AppState &state = AppState::makeShared({*defaults, desktop, AppPaths::chatsDir()});
     const auto dropState = qScopeGuard([] { AppState::dropShared(); });
-    const std::unique_ptr<LoginItem> loginItem = LoginItem::ofDesktop(launch.profile.arguments);
+    const std::unique_ptr<LoginItem> loginItem = LoginItem::ofDesktop(profile.arguments);
     const std::unique_ptr<TrayHost> trayHost = TrayHost::ofDesktop();
     MainWindow window(state, desktop, *defaults);
     desktop.setMainWindow(&window);
@@ -132,17 +136,16 @@ int run(const CommandLine &launch, SingleInstance &instance)
     });
     QObject::connect(&window, &MainWindow::settingsRequested, &window,
                      settingsOpener(state, desktop, *defaults, *loginItem, window));
-    QObject::connect(&instance, &SingleInstance::showRequested, &window,
-                     [&desktop] { desktop.bringToFront(); });
     const auto newChat = [&] {
         if (GuideView::isDone(*defaults))
             state.newChat();
     };
-    QObject::connect(&instance, &SingleInstance::newChatRequested, &window, [&desktop, newChat] {
-        desktop.bringToFront();
-        newChat();
+    QObject::connect(&instance, &SingleInstance::requested, &window, [&](const LaunchRequest &other) {
+        desktop.bringToFront(other.activation);
+        if (other.wish == LaunchRequest::Wish::newChat)
+            newChat();
     });
-    if (launch.wish == SingleInstance::Wish::newChat) {
+    if (launch.wish == LaunchRequest::Wish::newChat) {
         // Before the engine has told its models, a chat could have none; who turns to another tab meanwhile
         // no longer waits for one.
         auto *const wish = new QObject(&window);
@@ -155,7 +158,10 @@ int run(const CommandLine &launch, SingleInstance &instance)
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, &window,
                      [] { ChildProcessHolder::shared().terminate(); });
 
-    window.show();
+    if (!defaults->isRead())
+        state.setBanner(
+            QApplication::translate("main", "The settings cannot be read and are not kept this time."));
+    desktop.bringToFront(launch.activation);
     return QApplication::exec();
 }
 
@@ -179,7 +185,10 @@ int main(int argc, char **argv)
         const Translations translations;
         readCommandLine();
     }
+    // Qt takes one of them, or both.
+    const Activation activation = Activation::fromEnvironment();
     const QApplication application(argc, argv);
+    Activation::clearEnvironment();
     const Translations translations;
     // The name of the desktop entry, by which desktops tell whose a window is; those without one are shown
     // the icon.
@@ -189,15 +198,15 @@ int main(int argc, char **argv)
     QApplication::setQuitOnLastWindowClosed(false);
     keepPlaceholdersLegible();
 
-    const CommandLine launch = readCommandLine();
-    if (launch.profile.folder.isEmpty()) {
-        std::fputs("Tarnwick finds no folder for its data: neither HOME nor XDG_DATA_HOME names one.\n",
-                   stderr);
-        return EXIT_FAILURE;
-    }
-    SingleInstance instance(launch.profile.folder);
-    if (!instance.claim(launch.wish))
+    const CommandLine commandLine = readCommandLine();
+    const LaunchRequest launch{commandLine.wish, activation};
+    if (commandLine.profile.folder.isEmpty())
+        return LaunchFailure::show(LaunchFailure::noHome());
+    SingleInstance instance(commandLine.profile.folder);
+    const SingleInstance::Claim claim = instance.claim(launch);
+    if (claim.outcome == SingleInstance::Claim::Outcome::handedOver)
         return EXIT_SUCCESS;
-
-    return run(launch, instance);
+    if (claim.outcome != SingleInstance::Claim::Outcome::first)
+        return LaunchFailure::show(LaunchFailure::sentence(claim));
+    return run(commandLine.profile, launch, instance);
 }

@@ -7,6 +7,7 @@
 #include <QTcpSocket>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 
 using namespace Qt::StringLiterals;
@@ -43,6 +44,7 @@ private Q_SLOTS:
         for (const int number : {SIGINT, SIGHUP})
             std::signal(number, SIG_DFL);
         qputenv("DEMO_ENGINE_INSTALLED", "phi3.5");
+        qputenv("TARNWICK", TARNWICK_PROGRAM);
     }
 
     void init()
@@ -57,6 +59,8 @@ private Q_SLOTS:
 
     void cleanup()
     {
+        if (m_program.state() != QProcess::NotRunning)
+            kill(static_cast<pid_t>(m_program.processId()), SIGCONT);
         m_program.terminate();
         QVERIFY(m_program.state() == QProcess::NotRunning || m_program.waitForFinished());
         QVERIFY(engineEnds());
@@ -96,6 +100,56 @@ private Q_SLOTS:
         second.start(QStringLiteral(TARNWICK_PROGRAM), {u"--profile"_s, m_profile->path(), u"--new-chat"_s});
         QVERIFY(second.waitForFinished());
         QTRY_COMPARE_WITH_TIMEOUT(chats().size(), 2, patience);
+    }
+
+    void manyLaunchesAtOnce()
+    {
+        // Whatever a killed one leaves.
+        m_program.kill();
+        QVERIFY(m_program.waitForFinished());
+        std::vector<std::unique_ptr<QProcess>> launches;
+        for (int i = 0; i < 20; ++i) {
+            launches.push_back(std::make_unique<QProcess>());
+            launches.back()->start(QStringLiteral(TARNWICK_PROGRAM), {u"--profile"_s, m_profile->path()});
+        }
+        const auto running = [&] {
+            return std::count_if(launches.begin(), launches.end(),
+                                 [](const auto &launch) { return launch->state() != QProcess::NotRunning; });
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(running(), 1, patience);
+        for (const auto &launch : launches) {
+            launch->terminate();
+            QVERIFY(launch->state() == QProcess::NotRunning || launch->waitForFinished());
+            QCOMPARE(launch->exitCode(), 0);
+        }
+    }
+
+    void launchesThatFailSaySo_data()
+    {
+        const auto row = table<QString, QByteArray>("script", "sentence");
+        row("a program that is frozen", u"kill -STOP $0"_s, "process");
+        row("no home", u"shift; unset HOME XDG_DATA_HOME"_s, "neither HOME nor XDG_DATA_HOME");
+        row("a home that is no folder", u"shift; export HOME=/dev/null; unset XDG_DATA_HOME"_s,
+            "cannot keep its data in \"/dev/null/");
+        row("a link in the lock's place",
+            u"mkdir $1/new; ln -s nothing $1/new/instance.lock; set -- $1/new"_s,
+            "instance.lock\", which is not an ordinary file of yours");
+    }
+
+    // And they do not end as if all was well.
+    void launchesThatFailSaySo()
+    {
+        QFETCH(const QString, script);
+        QFETCH(const QByteArray, sentence);
+        QProcess second;
+        second.start(u"sh"_s, {u"-c"_s, script + u"; exec \"$TARNWICK\" ${1:+--profile \"$1\"}"_s,
+                               QString::number(m_program.processId()), m_profile->path()});
+        QByteArray said;
+        QTRY_VERIFY_WITH_TIMEOUT((said += second.readAllStandardError()).contains(sentence), patience);
+        second.terminate();
+        QVERIFY(second.waitForFinished());
+        QCOMPARE(second.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(second.exitCode(), 1);
     }
 
 private:

@@ -1,10 +1,18 @@
 #include "platform/defaults/UserDefaults.h"
 
 #include "platform/files/PrivateFolder.h"
+#include "platform/process/Descriptor.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QMetaType>
+#include <QStandardPaths>
+
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -54,30 +62,60 @@ std::optional<QByteArray> asData(const QVariant &value)
     return value.typeId() == QMetaType::QByteArray ? std::optional(value.toByteArray()) : std::nullopt;
 }
 
+constexpr off_t longestFile = 16 << 20; // bytes; all settings of a user with many models are some kilobytes
+
+// Qt waits for whatever does not answer in the file's place, such as a pipe, and for the lock that it puts
+// beside the file while it writes: one that a killed program left behind goes, since no program shares our
+// file.
+bool isSafeToOpen(const QString &path)
+{
+    const QByteArray lock = QFile::encodeName(path + ".lock"_L1);
+    struct stat facts = {};
+    if (::lstat(lock.constData(), &facts) == 0 && std::remove(lock.constData()) != 0)
+        return false;
+    const Descriptor file(
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.isOpen())
+        return errno == ENOENT;
+    return ::fstat(file.number(), &facts) == 0 && S_ISREG(facts.st_mode) && facts.st_size <= longestFile;
+}
+
 // Qt would make the file readable for everyone, and keeps the modes of one that is there.
 void makePrivateFile(const QString &path)
 {
     makePrivateFolder(QFileInfo(path).path());
-    QFile(path).open(QIODevice::NewOnly | QIODevice::WriteOnly, QFile::ReadOwner | QFile::WriteOwner);
+    // One that is there already is kept, and whoever writes to one that cannot be made finds out.
+    const Descriptor made(
+        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
 }
+
+#ifndef Q_OS_MACOS
+QString desktopsFile()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           "/Tarnwick/Tarnwick.conf"_L1;
+}
+#endif
 
 } // namespace
 
+#ifdef Q_OS_MACOS
 UserDefaults::UserDefaults(QObject *parent)
     : QObject(parent),
       m_settings(std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, u"Tarnwick"_s,
                                              u"Tarnwick"_s))
 {
     m_settings->setFallbacksEnabled(false);
-#ifndef Q_OS_MACOS
-    makePrivateFile(m_settings->fileName());
-#endif
 }
+#else
+UserDefaults::UserDefaults(QObject *parent) : UserDefaults(desktopsFile(), parent) {}
+#endif
 
-UserDefaults::UserDefaults(const QString &iniFile, QObject *parent)
-    : QObject(parent), m_settings(std::make_unique<QSettings>(iniFile, QSettings::IniFormat))
+UserDefaults::UserDefaults(const QString &iniFile, QObject *parent) : QObject(parent), m_file(iniFile)
 {
     makePrivateFile(iniFile);
+    if (isSafeToOpen(iniFile))
+        m_settings = std::make_unique<QSettings>(iniFile, QSettings::IniFormat);
 }
 
 void UserDefaults::registerDefault(const QString &key, const QVariant &value)
@@ -133,16 +171,34 @@ void UserDefaults::set(const QString &key, const QByteArray &value)
 
 void UserDefaults::remove(const QString &key)
 {
-    if (!m_settings->contains(key))
-        return;
-    m_settings->remove(key);
-    m_settings->sync();
-    Q_EMIT changed(key);
+    if (stored(key).isValid())
+        store(key, {});
+}
+
+QVariant UserDefaults::stored(const QString &key) const
+{
+    if (const auto unsaved = m_unsaved.find(key); unsaved != m_unsaved.end())
+        return *unsaved;
+    return m_settings ? m_settings->value(key) : QVariant();
 }
 
 void UserDefaults::store(const QString &key, const QVariant &value)
 {
-    m_settings->setValue(key, value);
-    m_settings->sync();
+    if (!isWritable()) {
+        m_unsaved.insert(key, value);
+    } else {
+        m_unsaved.remove(key);
+        if (value.isValid())
+            m_settings->setValue(key, value);
+        else
+            m_settings->remove(key);
+        m_settings->sync();
+    }
     Q_EMIT changed(key);
+}
+
+// Qt reads the file again before it writes, and what stands there may have changed.
+bool UserDefaults::isWritable() const
+{
+    return m_settings && (m_file.isEmpty() || isSafeToOpen(m_file));
 }

@@ -19,8 +19,14 @@ class UserDefaults : public QObject
 public:
     // The desktop's own store: the preferences on macOS, a file below $XDG_CONFIG_HOME (~/.config) elsewhere.
     explicit UserDefaults(QObject *parent = nullptr);
-    // The INI file `iniFile`. It is made, with its folder and for the user alone, where there is none.
+    // The INI file `iniFile`. It is made, with its folder and for the user alone, where there is none. What
+    // cannot be read of a damaged one is absent. Where no file of at most 16 MiB that can be read stands
+    // under that name, nothing is read, what is set lasts until this object ends, and what stands there stays
+    // as it is.
     explicit UserDefaults(const QString &iniFile, QObject *parent = nullptr);
+
+    // Whether what was stored before could be read.
+    bool isRead() const { return m_settings != nullptr; }
 
     // What the readers give while nothing usable is stored under `key`. Not written to disk.
     void registerDefault(const QString &key, const QVariant &value);
@@ -45,9 +51,12 @@ Q_SIGNALS:
     void changed(const QString &key);
 
 private:
-    QVariant stored(const QString &key) const { return m_settings->value(key); }
+    QVariant stored(const QString &key) const;
     void store(const QString &key, const QVariant &value);
+    bool isWritable() const;
 
-    std::unique_ptr<QSettings> m_settings;
+    const QString m_file;                  // empty: the preferences of macOS
+    std::unique_ptr<QSettings> m_settings; // none where the file is not to be opened
+    QHash<QString, QVariant> m_unsaved;    // what could not go there; an invalid value was removed
     QHash<QString, QVariant> m_registered;
 };

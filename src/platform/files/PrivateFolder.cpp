@@ -9,14 +9,14 @@
 
 namespace {
 
-bool make(const QString &path)
+int make(const QString &path)
 {
-    return ::mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0 || errno == EEXIST;
+    return ::mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0 || errno == EEXIST ? 0 : errno;
 }
 
 } // namespace
 
-void makePrivateFolder(const QString &path)
+int makePrivateFolder(const QString &path)
 {
     // From the first parent that is there, so that none is made with the modes of everyday.
     QString folder = QDir::cleanPath(QDir(path).absolutePath());
@@ -26,7 +26,8 @@ void makePrivateFolder(const QString &path)
         folder = QDir::cleanPath(folder + QStringLiteral("/.."));
     }
     for (const QString &name : std::as_const(missing)) {
-        if (!make(name))
-            return;
+        if (const int error = make(name))
+            return error;
     }
+    return 0;
 }

@@ -4,5 +4,6 @@
 #include <QString>
 
 // Creates `path` and its missing parents, all closed to other users; folders that exist stay as they are.
-// A failure is swallowed: whoever writes there next reports its own. Any thread.
-void makePrivateFolder(const QString &path);
+// Returns 0, or the errno value of the folder that could not be made; most callers leave the report to
+// whoever writes there next. Any thread.
+int makePrivateFolder(const QString &path);

@@ -1,15 +1,19 @@
 #include "platform/instance/SingleInstance.h"
 
 #include "platform/files/PrivateFolder.h"
+#include "platform/instance/UserSocket.h"
 
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
-#include <QLocalServer>
 #include <QLocalSocket>
 #include <QLoggingCategory>
+#include <QSocketNotifier>
+#include <QThread>
 
-#include <unistd.h>
+#include <cerrno>
+
+#include <fcntl.h>
 
 using namespace Qt::StringLiterals;
 
@@ -17,20 +21,15 @@ namespace {
 
 Q_LOGGING_CATEGORY(instanceLog, "tarnwick.instance")
 
-constexpr int handOverMilliseconds = 1000;
-// Longer than quitting takes, unless the disk holds it up.
-constexpr int lockMilliseconds = 3000;
+constexpr int pauseMilliseconds = 50;
 
-const QByteArray newChatLine = "new-chat\n";
-const QByteArray showLine = "show\n";
-constexpr qint64 longestLine = 64; // bytes; what is longer is no wish of ours
+const QByteArray confirmation = "done\n";
 
-// Socket paths are short everywhere, so the folder goes in as a digest; the user id keeps two users who share
-// a temporary folder apart.
-QString serverNameFor(const QString &folder)
+// Socket paths are short everywhere, so the folder goes in as a digest.
+QString socketNameFor(const QString &folder)
 {
     const QByteArray digest = QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha256).toHex();
-    return u"tarnwick-%1-%2"_s.arg(getuid()).arg(QLatin1StringView(digest.first(16)));
+    return u"tarnwick-%1.socket"_s.arg(QLatin1StringView(digest.first(16)));
 }
 
 // `path`, a part of which may not be there yet, without links: two spellings of one folder are one profile.
@@ -42,87 +41,127 @@ QString canonicalPath(const QString &path)
     return QDir(canonicalPath(QFileInfo(path).path())).filePath(QFileInfo(path).fileName());
 }
 
+// In the folder that the system keeps for such things, else in the profile's own.
+QString socketPathFor(const QString &folder, const QString &name)
+{
+    const QString runtimeFolder = UserSocket::runtimeFolder();
+    return (runtimeFolder.isEmpty() ? folder : runtimeFolder) + u'/' + name;
+}
+
 } // namespace
 
-SingleInstance::SingleInstance(const QString &folder, QObject *parent)
-    : QObject(parent),
+SingleInstance::SingleInstance(const QString &folder, std::chrono::milliseconds patience)
+    : m_patience(patience),
       m_folder(canonicalPath(QDir::cleanPath(QFileInfo(folder).absoluteFilePath()))),
-      m_serverName(serverNameFor(m_folder))
+      m_socketName(socketNameFor(m_folder)),
+      m_lock(m_folder),
+      m_socketPath(socketPathFor(m_folder, m_socketName))
 {
 }
 
-SingleInstance::~SingleInstance() = default;
-
-bool SingleInstance::claim(Wish wish)
+SingleInstance::~SingleInstance()
 {
-    if (handOver(wish))
-        return false;
-    makePrivateFolder(m_folder);
-    m_lock = std::make_unique<QLockFile>(m_folder + "/instance.lock"_L1);
-    m_lock->setStaleLockTime(0);
-    if (m_lock->tryLock(lockMilliseconds)) {
-        listen();
-        return true;
+    stopAnswering();
+}
+
+SingleInstance::Claim SingleInstance::claim(const LaunchRequest &request)
+{
+    if (const int error = makePrivateFolder(m_folder))
+        return {Claim::Outcome::noFolder, m_folder, error, 0};
+    for (const QDeadlineTimer deadline(m_patience);;) {
+        // Also where the lock could be had: somebody may have removed its file from under the program that
+        // holds it.
+        const Answer answer = ask(request, deadline);
+        if (answer == Answer::given)
+            return {Claim::Outcome::handedOver, {}, 0, 0};
+        const ProfileLock::State lock = m_lock.take();
+        if (lock == ProfileLock::State::blocked)
+            return {Claim::Outcome::blocked, m_lock.path(), 0, 0};
+        if (lock == ProfileLock::State::failed)
+            return {Claim::Outcome::noFolder, m_folder, m_lock.error(), 0};
+        if (answer == Answer::refused && lock != ProfileLock::State::held) {
+            listen();
+            return {};
+        }
+        if (answer == Answer::missing || deadline.hasExpired())
+            return {Claim::Outcome::unanswered, {}, 0, m_lock.told().process};
+        QThread::msleep(pauseMilliseconds);
     }
-    if (m_lock->error() == QLockFile::LockFailedError) {
-        // The holder was just starting and listens by now, or hangs: either way it keeps the profile.
-        handOver(wish);
-        return false;
-    }
-    // A folder that takes no lock file takes no conversations either; the program still starts and says so
-    // there.
-    qCWarning(instanceLog) << "No lock file can be written in" << m_folder;
-    listen();
-    return true;
 }
 
 void SingleInstance::stopAnswering()
 {
-    m_server.reset();
+    if (m_callers)
+        QFile::remove(m_socketPath);
+    m_callers.reset();
+    m_socket = Descriptor();
 }
 
-bool SingleInstance::handOver(Wish wish)
+// The running program may have been started where another folder counted as the system's: then only its lock
+// says where it answers. What is left there of a profile that this one is a copy of goes by another name.
+SingleInstance::Answer SingleInstance::ask(const LaunchRequest &request, const QDeadlineTimer &deadline) const
 {
+    const QString told = m_lock.told().socket;
+    const Answer answer = askAt(m_socketPath, request, deadline);
+    if (answer != Answer::refused || told == m_socketPath || QFileInfo(told).fileName() != m_socketName)
+        return answer;
+    return askAt(told, request, deadline);
+}
+
+SingleInstance::Answer SingleInstance::askAt(const QString &path, const LaunchRequest &request,
+                                             const QDeadlineTimer &deadline) const
+{
+    Descriptor connection = UserSocket::connectTo(path);
+    if (!connection.isOpen())
+        return Answer::refused;
     QLocalSocket socket;
-    socket.connectToServer(m_serverName);
-    if (!socket.waitForConnected(handOverMilliseconds))
-        return false;
-    socket.write(wish == Wish::newChat ? newChatLine : showLine);
-    socket.waitForBytesWritten(handOverMilliseconds);
-    // The running instance closes the connection once it has taken note.
-    if (socket.state() == QLocalSocket::ConnectedState)
-        socket.waitForDisconnected(handOverMilliseconds);
-    return true;
+    socket.setSocketDescriptor(connection.release());
+    socket.write(request.encode());
+    while (!socket.canReadLine()) {
+        if (!socket.waitForReadyRead(int(deadline.remainingTime())))
+            return socket.state() == QLocalSocket::ConnectedState ? Answer::missing : Answer::refused;
+    }
+    return socket.readLine() == confirmation ? Answer::given : Answer::refused;
 }
 
 void SingleInstance::listen()
 {
-    // The lock is ours, so a socket of this name is what a crash left behind.
-    QLocalServer::removeServer(m_serverName);
-    m_server = std::make_unique<QLocalServer>();
-    m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    connect(m_server.get(), &QLocalServer::newConnection, this, [this] {
-        while (QLocalSocket *const caller = m_server->nextPendingConnection())
-            hear(caller);
-    });
-    if (!m_server->listen(m_serverName))
-        qCWarning(instanceLog) << "Other launches cannot reach this one:" << m_server->errorString();
+    m_socket = UserSocket::listenAt(m_socketPath);
+    if (m_socket.isOpen()) {
+        m_callers = std::make_unique<QSocketNotifier>(m_socket.number(), QSocketNotifier::Read);
+        connect(m_callers.get(), &QSocketNotifier::activated, this, &SingleInstance::greet);
+    } else {
+        qCWarning(instanceLog) << "Other launches cannot reach this one:" << qt_error_string(errno);
+    }
+    m_lock.tell({QCoreApplication::applicationPid(), m_socket.isOpen() ? m_socketPath : QString()});
 }
 
-void SingleInstance::hear(QLocalSocket *caller)
+void SingleInstance::greet()
 {
-    caller->setReadBufferSize(longestLine);
+    for (;;) {
+        Descriptor caller = UserSocket::accept(m_socket.number());
+        if (!caller.isOpen())
+            return;
+        hear(std::move(caller));
+    }
+}
+
+void SingleInstance::hear(Descriptor connection)
+{
+    auto *const caller = new QLocalSocket(this);
+    caller->setReadBufferSize(LaunchRequest::longestLine);
     connect(caller, &QLocalSocket::disconnected, caller, &QObject::deleteLater);
     const auto listenTo = [this, caller] {
-        if (!caller->canReadLine() && caller->bytesAvailable() < longestLine)
+        if (!caller->canReadLine() && caller->bytesAvailable() < LaunchRequest::longestLine)
             return;
-        const QByteArray line = caller->readLine();
+        const auto request = LaunchRequest::decode(caller->readLine());
+        // Who has given up waiting meanwhile has told the user so.
+        const bool isHeard = request && caller->write(confirmation) > 0 && caller->flush();
         caller->disconnectFromServer();
-        if (line == newChatLine)
-            Q_EMIT newChatRequested();
-        else if (line == showLine)
-            Q_EMIT showRequested();
+        if (isHeard)
+            Q_EMIT requested(*request);
     };
     connect(caller, &QLocalSocket::readyRead, this, listenTo);
+    caller->setSocketDescriptor(connection.release());
     listenTo();
 }

@@ -22,7 +22,7 @@ Descriptor aboveStandard(const Descriptor &original)
 
 } // namespace
 
-Descriptor::Descriptor(Descriptor &&other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
+Descriptor::Descriptor(Descriptor &&other) noexcept : m_number(other.release()) {}
 
 Descriptor &Descriptor::operator=(Descriptor &&other) noexcept
 {
@@ -32,8 +32,13 @@ Descriptor &Descriptor::operator=(Descriptor &&other) noexcept
 
 Descriptor::~Descriptor()
 {
-    if (m_number >= 0)
+    if (isOpen())
         ::close(m_number);
+}
+
+int Descriptor::release()
+{
+    return std::exchange(m_number, -1);
 }
 
 Pipe Pipe::make()

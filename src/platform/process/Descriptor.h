@@ -10,7 +10,10 @@ public:
     Descriptor &operator=(Descriptor &&other) noexcept;
     ~Descriptor();
 
+    bool isOpen() const { return m_number >= 0; }
     int number() const { return m_number; }
+    // From now on the caller closes it.
+    int release();
 
 private:
     int m_number;

@@ -91,3 +91,12 @@ void QtDesktop::bringToFront()
     m_window->raise();
     m_window->activateWindow();
 }
+
+void QtDesktop::bringToFront(const Activation &activation)
+{
+    // On Wayland Qt takes it from there, and from nowhere else.
+    if (!activation.token.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", activation.token);
+    bringToFront();
+    Activation::clearEnvironment();
+}

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/desktop/Desktop.h"
+#include "platform/instance/Activation.h"
 
 #include <QFileDialog>
 #include <QPointer>
@@ -20,6 +21,8 @@ public:
     void copyText(const QString &text) override;
     void revealInFileManager(const QString &path) override;
     void bringToFront() override;
+    // With what the desktop gave a launch for that, where it gave something.
+    void bringToFront(const Activation &activation);
 
 private:
     QFileDialog *makePanel();

@@ -1,8 +1,14 @@
 #include "platform/defaults/UserDefaults.h"
+#include "support/Table.h"
 #include "support/TestFolder.h"
+#include "support/Unprivileged.h"
 
 #include <QSignalSpy>
 #include <QTest>
+
+#include <cstdlib>
+
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -51,6 +57,48 @@ private Q_SLOTS:
             QCOMPARE(defaults.integer(key), key == "port"_L1 ? 4711 : 0);
             QCOMPARE(defaults.data(key).has_value(), key == "bytes"_L1);
             QCOMPARE(defaults.string(key).has_value(), key != "bytes"_L1 && key != "list"_L1);
+        }
+    }
+
+    void whateverStandsInTheFilesPlace_data()
+    {
+        const auto row = table<QByteArray, int, bool>("script", "port", "kept");
+        row("a pipe", "mkfifo settings.ini", 0, false);
+        row("a link to a pipe", "mkfifo pipe; ln -s pipe settings.ini", 0, false);
+        row("a folder", "mkdir settings.ini", 0, false);
+        row("a huge file", "dd if=/dev/null of=settings.ini bs=1048576 seek=40000 2>/dev/null", 0, false);
+        row("one that cannot be read", "echo port=1 > settings.ini; chmod 0 settings.ini", 0, false);
+        row("one with damage", "printf '[General\n\1\377=\nport=2\n]port=\n' > settings.ini", 2, true);
+        row("a link to a file", "echo port=3 > file; ln -s file settings.ini", 3, true);
+        row("a lock of a killed program", "echo port=4 > settings.ini; echo $$ > settings.ini.lock", 4, true);
+        row("a pipe for a lock", "echo port=5 > settings.ini; mkfifo settings.ini.lock", 5, true);
+    }
+
+    void whateverStandsInTheFilesPlace()
+    {
+        QFETCH(const QByteArray, script);
+        QFETCH(const int, port);
+        QFETCH(const bool, kept);
+        const TestFolder folder;
+        const QByteArray name = QFile::encodeName(folder.path());
+        ::chmod(name.constData(), 0777);
+        const Unprivileged user;
+        QCOMPARE(std::system(("cd '" + name + "' && " + script).constData()), 0);
+        {
+            UserDefaults defaults(folder.filePath(u"settings.ini"_s));
+            QCOMPARE(defaults.integer(u"port"_s), port);
+            QCOMPARE(defaults.isRead(), kept);
+            defaults.set(u"port"_s, 4711);
+            QCOMPARE(defaults.integer(u"port"_s), 4711);
+            defaults.remove(u"port"_s);
+            QCOMPARE(defaults.integer(u"port"_s), 0);
+            // The pipe comes while the program runs.
+            defaults.set(u"other"_s, 1);
+            QCOMPARE(
+                std::system(("cd '" + name + "' && rm -rf settings.ini && mkfifo settings.ini").constData()),
+                0);
+            defaults.set(u"other"_s, 2);
+            QCOMPARE(defaults.integer(u"other"_s), 2);
         }
     }
 
