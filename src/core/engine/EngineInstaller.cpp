@@ -146,6 +146,8 @@ Task<> EngineInstaller::choose(QPointer<EngineInstaller> self, Desktop *desktop)
 
 Task<> EngineInstaller::checkChoice(QPointer<EngineInstaller> self, QString program)
 {
+    const int choice = ++self->m_choices;
+    self->setCheckingChoice(true);
     std::optional<QString> version;
     std::exception_ptr failure;
     try {
@@ -161,6 +163,8 @@ Task<> EngineInstaller::checkChoice(QPointer<EngineInstaller> self, QString prog
         Q_EMIT self->chosen(program, *version);
         self->setInstallError({});
     }
+    if (choice == self->m_choices)
+        self->setCheckingChoice(false);
 }
 
 void EngineInstaller::setInstall(const std::optional<InstallStatus> &status)
@@ -169,6 +173,14 @@ void EngineInstaller::setInstall(const std::optional<InstallStatus> &status)
         return;
     m_install = status;
     Q_EMIT installChanged();
+}
+
+void EngineInstaller::setCheckingChoice(bool checking)
+{
+    if (m_checkingChoice == checking)
+        return;
+    m_checkingChoice = checking;
+    Q_EMIT choiceCheckChanged();
 }
 
 void EngineInstaller::setInstallError(const std::optional<QString> &message)

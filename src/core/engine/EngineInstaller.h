@@ -30,6 +30,9 @@ public:
     const std::optional<InstallStatus> &install() const { return m_install; }
     // The sentence about the last installation or choice that failed.
     const std::optional<QString> &installError() const { return m_installError; }
+    // A program that the user chose is being run to see whether it does; the last one, where there are
+    // several.
+    bool isCheckingChoice() const { return m_checkingChoice; }
     // The running installation; stopping it once the download is complete has no effect.
     const Job &installTask() const { return m_installTask; }
 
@@ -41,6 +44,7 @@ public:
 Q_SIGNALS:
     void installChanged();
     void installErrorChanged();
+    void choiceCheckChanged();
     // Before `install` becomes absent.
     void installed(const QString &program, const QString &version);
     void chosen(const QString &program, const QString &version);
@@ -51,11 +55,14 @@ private:
     static Task<> checkChoice(QPointer<EngineInstaller> self, QString program);
     void removeLeftovers() const;
     void setInstall(const std::optional<InstallStatus> &status);
+    void setCheckingChoice(bool checking);
     void setInstallError(const std::optional<QString> &message);
 
     const InstallerOptions m_options;
     Desktop *const m_desktop;
     std::optional<InstallStatus> m_install;
     std::optional<QString> m_installError;
+    bool m_checkingChoice = false;
+    int m_choices = 0; // how many there have been
     Job m_installTask;
 };

@@ -63,6 +63,7 @@ EngineManager::EngineManager(UserDefaults &defaults, EngineOptions options, QObj
     m_state.kind = m_enginePath.isEmpty() ? State::notInstalled : State::stopped;
     connect(&m_installer, &EngineInstaller::installChanged, this, &EngineManager::installChanged);
     connect(&m_installer, &EngineInstaller::installErrorChanged, this, &EngineManager::installErrorChanged);
+    connect(&m_installer, &EngineInstaller::choiceCheckChanged, this, &EngineManager::choiceCheckChanged);
     connect(&m_installer, &EngineInstaller::installed, this, &EngineManager::takeInstalled);
     connect(&m_installer, &EngineInstaller::chosen, this, &EngineManager::takeChosen);
 }

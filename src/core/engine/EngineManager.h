@@ -102,6 +102,7 @@ public:
     // a chosen one is used from the next start on.
     const std::optional<InstallStatus> &install() const { return m_installer.install(); }
     const std::optional<QString> &installError() const { return m_installer.installError(); }
+    bool isCheckingChoice() const { return m_installer.isCheckingChoice(); }
     const Job &installTask() const { return m_installer.installTask(); }
     void startInstall() { m_installer.startInstall(); }
     void chooseManually() { m_installer.chooseManually(); }
@@ -116,6 +117,7 @@ Q_SIGNALS:
     void shareOnNetworkChanged();
     void installChanged();
     void installErrorChanged();
+    void choiceCheckChanged();
 
 private:
     // An engine that this manager launched.

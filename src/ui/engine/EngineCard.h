@@ -7,7 +7,6 @@
 class ElidedLabel;
 class EngineInstallView;
 class EngineManager;
-class SelectableText;
 
 class EngineCard : public Card
 {
@@ -18,12 +17,10 @@ public:
 
 private:
     void render();
-    void fillReplacement();
 
     EngineManager &m_engine;
     ElidedLabel *const m_path;
     ElidedLabel *const m_version;
-    EngineInstallView *const m_install;
-    SelectableText *const m_error;
-    QWidget *const m_replacement; // the buttons for another engine than the one found
+    EngineInstallView *const m_first;   // while there is no engine
+    EngineInstallView *const m_another; // than the one found
 };

@@ -10,14 +10,33 @@
 
 #include <QHBoxLayout>
 
-EngineInstallView::EngineInstallView(EngineManager &engine, QWidget *parent)
+namespace {
+
+using Offer = EngineInstallView::Offer;
+
+Button *installButton(Offer offer)
+{
+    if (offer == Offer::first)
+        return new ProminentButton(EngineInstallView::tr("Install Ollama (about 170 MB)"));
+    return new Button(EngineInstallView::tr("Reinstall the latest Ollama"));
+}
+
+QString choiceText(Offer offer)
+{
+    return offer == Offer::first ? EngineInstallView::tr("Choose Ollama manually…")
+                                 : EngineInstallView::tr("Choose another…");
+}
+
+} // namespace
+
+EngineInstallView::EngineInstallView(EngineManager &engine, Offer offer, QWidget *parent)
     : QWidget(parent),
       m_engine(engine),
       m_bar(new ProgressBar(tr("Installation progress"))),
       m_text(new ElidedLabel(TextStyle::caption, Tint::secondary)),
       m_cancel(new Button(tr("Cancel"))),
-      m_install(new ProminentButton(tr("Install Ollama (about 170 MB)"))),
-      m_choose(new Button(tr("Choose Ollama manually…"))),
+      m_install(installButton(offer)),
+      m_choose(new Button(choiceText(offer))),
       m_error(new SelectableText(TextStyle::caption, Tint::red))
 {
     m_error->setAccessibleName(tr("Installation error"));
@@ -44,24 +63,26 @@ EngineInstallView::EngineInstallView(EngineManager &engine, QWidget *parent)
 
     render();
     auto *scheduler = new RenderScheduler(this, [this] { render(); });
-    scheduler->follow(&m_engine, &EngineManager::installChanged, &EngineManager::installErrorChanged);
+    scheduler->follow(&m_engine, &EngineManager::installChanged, &EngineManager::installErrorChanged,
+                      &EngineManager::choiceCheckChanged);
 }
 
 void EngineInstallView::render()
 {
     const FocusKeeper keeper(this);
-    const std::optional<InstallStatus> &status = m_engine.install();
-    const bool running = status.has_value();
-    m_bar->setVisible(running);
-    m_text->setVisible(running);
-    m_cancel->setVisible(running);
-    m_install->setVisible(!running);
-    m_choose->setVisible(!running);
-    if (running) {
-        m_bar->showFraction(status->fraction);
-        m_text->setText(status->text);
-        m_cancel->setEnabled(status->cancellable);
-    }
+    const bool installs = m_engine.install().has_value();
+    const bool checks = m_engine.isCheckingChoice();
+    const InstallStatus status = m_engine.install().value_or(
+        InstallStatus{.text = tr("Checking that it runs…"), .cancellable = false});
+    m_bar->setVisible(installs || checks);
+    m_bar->showFraction(status.fraction);
+    m_text->setVisible(installs || checks);
+    m_text->setText(status.text);
+    m_cancel->setVisible(installs);
+    m_cancel->setEnabled(status.cancellable);
+    // Also while a chosen program is checked: it may never end.
+    m_install->setVisible(!installs);
+    m_choose->setVisible(!installs);
     m_error->showText(m_engine.installError().value_or(QString()));
     m_error->setVisible(m_engine.installError().has_value());
 }

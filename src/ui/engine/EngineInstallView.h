@@ -1,4 +1,4 @@
-// The panel that installs the engine or lets the user choose one, and that shows how far an installation is.
+// The panel that installs the engine or lets the user choose one, and that shows how far either is.
 #pragma once
 
 #include <QWidget>
@@ -7,7 +7,6 @@ class Button;
 class ElidedLabel;
 class EngineManager;
 class ProgressBar;
-class ProminentButton;
 class SelectableText;
 
 class EngineInstallView : public QWidget
@@ -15,7 +14,14 @@ class EngineInstallView : public QWidget
     Q_OBJECT
 
 public:
-    explicit EngineInstallView(EngineManager &engine, QWidget *parent = nullptr);
+    // To somebody without an engine, or to somebody who may want another one.
+    enum class Offer
+    {
+        first,
+        another
+    };
+
+    explicit EngineInstallView(EngineManager &engine, Offer offer = Offer::first, QWidget *parent = nullptr);
 
 private:
     void render();
@@ -24,7 +30,7 @@ private:
     ProgressBar *const m_bar;
     ElidedLabel *const m_text;
     Button *const m_cancel;
-    ProminentButton *const m_install;
+    Button *const m_install;
     Button *const m_choose;
     SelectableText *const m_error;
 };

@@ -1,7 +1,10 @@
+#include "core/engine/EngineVersion.h"
 #include "platform/text/OutsideText.h"
 #include "support/AppWithItsEngine.h"
+#include "support/FakeDesktop.h"
 #include "support/OnScreen.h"
 #include "support/ReleaseServer.h"
+#include "support/Table.h"
 #include "ui/engine/EngineCard.h"
 #include "ui/engine/LogBox.h"
 #include "ui/engine/ServerView.h"
@@ -12,6 +15,25 @@
 #include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// A program that goes on with `script` once it is let go. It does not count as chosen.
+QString waitingScript(Sandbox &sandbox, const QString &script)
+{
+    const QString wait = u"while ! [ -e '%1' ]; do sleep 0.01; done; "_s.arg(sandbox.path(u"go"_s));
+    const QString program = sandbox.chooseScript(wait + script);
+    sandbox.defaults().remove(u"manualEnginePath"_s);
+    return program;
+}
+
+void letGo(const Sandbox &sandbox)
+{
+    if (!QFile(sandbox.path(u"go"_s)).open(QIODevice::WriteOnly))
+        qFatal("The program cannot be let go");
+}
+
+} // namespace
 
 class ServerViewTest : public QObject
 {
@@ -83,6 +105,7 @@ private Q_SLOTS:
         server.answer(ReleaseServer::archivePath).heldAfter = 500'000;
         EngineOptions options = Sandbox::engineOptions();
         options.installer = server.options();
+        options.installer.archiveTool = waitingScript(sandbox, u"exit 1"_s);
         EngineManager engine(sandbox.defaults(), options);
         EngineCard card(engine);
         card.resize(800, 300);
@@ -103,6 +126,52 @@ private Q_SLOTS:
         QTRY_VERIFY(onscreen::shows(&card, install) && error());
         QCOMPARE(error()->toPlainText(), *engine.installError());
         QVERIFY(!bar() && card.isAncestorOf(QApplication::focusWidget()));
+
+        server.release();
+        onscreen::click(&card, install);
+        QTRY_VERIFY(onscreen::shows(&card, u"Unpacking…"_s));
+        QVERIFY(!onscreen::find(&card, u"Cancel"_s)->isEnabled());
+        letGo(sandbox);
+        QTRY_VERIFY(onscreen::shows(&card, install));
+    }
+
+    void cardFollowsAChoice()
+    {
+        Sandbox sandbox;
+        FakeDesktop desktop;
+        EngineOptions options = Sandbox::engineOptions();
+        options.desktop = &desktop;
+        EngineManager engine(sandbox.defaults(), options);
+        EngineCard card(engine);
+        card.show();
+        const QString checking = u"Checking that it runs…"_s;
+        const QString version = u"DEMO_ENGINE_VERSION=1.2-rc3 OLLAMA_HOST=127.0.0.1:1 exec demo \"$1\""_s;
+        desktop.answer = waitingScript(sandbox, version);
+        engine.chooseManually();
+        QTRY_VERIFY(onscreen::shows(&card, checking));
+        QVERIFY(onscreen::find<QProgressBar>(&card, u"Installation progress"_s));
+        QVERIFY(!onscreen::shows(&card, u"Cancel"_s) && onscreen::shows(&card, u"Choose Ollama manually…"_s));
+        letGo(sandbox);
+        QTRY_VERIFY_WITH_TIMEOUT(onscreen::shows(&card, u"Found at "_s + *desktop.answer), 30'000);
+        QTRY_VERIFY(onscreen::shows(&card, u"Choose another…"_s) && !onscreen::shows(&card, checking));
+        QVERIFY(onscreen::shows(&card, u"Version 1.2-rc3"_s));
+    }
+
+    void versions_data()
+    {
+        const auto row = table<QString, QString>("told", "shown");
+        row("server's answer", u"0.32.15"_s, u"0.32.15"_s);
+        row("program alone",
+            u"Warning: could not connect to a running Ollama instance\nWarning: client version is 0.1"_s,
+            u"0.1"_s);
+        row("program and server", u"ollama version is 0.2\nWarning: client version is 0.1"_s, u"0.1"_s);
+        row("same", u"ollama version is 0.2\n"_s, u"0.2"_s);
+        row("other words", u"my version is fine"_s, u"my version is fine"_s);
+    }
+    void versions()
+    {
+        QFETCH(const QString, told);
+        QTEST(shownVersion(told), "shown");
     }
 
     // Whatever it showed before.
