@@ -91,7 +91,8 @@ qint64 peakMemory()
 #ifdef Q_OS_LINUX
     // What getrusage() tells includes the parent's, from before this program was loaded.
     QFile status(u"/proc/self/status"_s);
-    status.open(QIODevice::ReadOnly);
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
     const QByteArray text = status.readAll();
     return text.sliced(text.indexOf("VmHWM:") + 6).trimmed().split(' ').first().toLongLong() * 1024;
 #else

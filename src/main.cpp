@@ -161,7 +161,11 @@ int run(const Profile &profile, const LaunchRequest &launch, SingleInstance &ins
     if (!defaults->isRead())
         state.setBanner(
             QApplication::translate("main", "The settings cannot be read and are not kept this time."));
-    desktop.bringToFront(launch.activation);
+    // On X11 Qt does all that it takes for the launch of a program itself.
+    if (launch.activation.token.isEmpty())
+        window.show();
+    else
+        desktop.bringToFront({launch.activation.token, {}});
     return QApplication::exec();
 }
 

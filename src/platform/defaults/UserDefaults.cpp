@@ -64,9 +64,8 @@ std::optional<QByteArray> asData(const QVariant &value)
 
 constexpr off_t longestFile = 16 << 20; // bytes; all settings of a user with many models are some kilobytes
 
-// Qt waits for whatever does not answer in the file's place, such as a pipe, and for the lock that it puts
-// beside the file while it writes: one that a killed program left behind goes, since no program shares our
-// file.
+// Qt waits for whatever does not answer, such as a pipe, in the place of the file or of the lock that it puts
+// beside the file while it writes. One that lies there before goes, since no two programs share our file.
 bool isSafeToOpen(const QString &path)
 {
     const QByteArray lock = QFile::encodeName(path + ".lock"_L1);

@@ -3,6 +3,7 @@
 #include "platform/async/Completion.h"
 #include "platform/async/Launch.h"
 #include "platform/desktop/FileReveal.h"
+#include "platform/desktop/StartupNotice.h"
 
 #include <QClipboard>
 #include <QCoreApplication>
@@ -99,4 +100,6 @@ void QtDesktop::bringToFront(const Activation &activation)
         qputenv("XDG_ACTIVATION_TOKEN", activation.token);
     bringToFront();
     Activation::clearEnvironment();
+    if (m_window)
+        noticeStartup(m_window->winId(), activation.startupId);
 }

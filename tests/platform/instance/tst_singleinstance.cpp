@@ -185,7 +185,7 @@ private Q_SLOTS:
         QCOMPARE(first.claim().outcome, Outcome::first);
         const QSignalSpy requests(&first, &SingleInstance::requested);
         QLocalSocket stranger;
-        stranger.connectToServer(socketIn(u"runtime"_s));
+        stranger.setSocketDescriptor(UserSocket::connectTo(socketIn(u"runtime"_s)).release());
         stranger.write(words);
         stranger.flush();
         if (stays)

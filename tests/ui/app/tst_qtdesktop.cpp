@@ -71,6 +71,20 @@ private Q_SLOTS:
         QCOMPARE(::waitFor(std::move(choice)), Choice());
         desktop.bringToFront();
     }
+
+    void anActivationIsForOneMomentAlone()
+    {
+        QByteArray seen;
+        QtDesktop desktop;
+        QWidget window;
+        desktop.setMainWindow(&window);
+        QVERIFY(window.winId());
+        connect(window.windowHandle(), &QWindow::visibleChanged, this,
+                [&seen] { seen += qgetenv("XDG_ACTIVATION_TOKEN"); });
+        desktop.bringToFront({"kwin-42", "host-1_TIME4711"});
+        QCOMPARE(seen, "kwin-42");
+        QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+    }
 };
 
 QTEST_MAIN(QtDesktopTest)

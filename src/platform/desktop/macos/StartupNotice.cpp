@@ -1,0 +1,3 @@
+#include "platform/desktop/StartupNotice.h"
+
+void noticeStartup(WId, const QByteArray &) {}
