@@ -11,6 +11,7 @@
 #include "ui/models/OtherModels.h"
 #include "ui/widgets/Card.h"
 #include "ui/widgets/ConfirmationDialog.h"
+#include "ui/widgets/LazyColumn.h"
 #include "ui/widgets/ProminentButton.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/SymbolLabel.h"
@@ -24,7 +25,8 @@ ModelsView::ModelsView(AppState &state, QWidget *parent)
     : ScrollPage(parent),
       m_state(state),
       m_others(new QWidget),
-      m_otherColumn(new QVBoxLayout),
+      m_otherColumn(new LazyColumn(
+          *this, 8, [this](const QString &name) { return makeRow(name, std::nullopt, false); })),
       m_add(new Card),
       m_custom(new QLineEdit),
       m_download(new ProminentButton(tr("Download")))
@@ -35,8 +37,7 @@ ModelsView::ModelsView(AppState &state, QWidget *parent)
     column()->addSpacing(12);
     const QString best = ModelCatalog::bestPick(state.memory()).name;
     for (const CatalogModel &model : ModelCatalog::models()) {
-        m_catalogRows.append(new ModelRow(state, model.name, model, model.name == best));
-        adopt(m_catalogRows.last());
+        m_catalogRows.append(makeRow(model.name, model, model.name == best));
         column()->addWidget(m_catalogRows.last());
         column()->addSpacing(8);
     }
@@ -44,8 +45,8 @@ ModelsView::ModelsView(AppState &state, QWidget *parent)
     others->setContentsMargins(0, 16, 0, 0);
     others->setSpacing(8);
     others->addWidget(new TextLabel(tr("Other models"), TextStyle::title2));
-    others->addLayout(m_otherColumn);
-    m_otherColumn->setSpacing(8);
+    others->addWidget(m_otherColumn);
+    m_others->hide();
     column()->addWidget(m_others);
     auto *addHeading = new TextLabel(tr("Add any other model"), TextStyle::title2);
     addHeading->setContentsMargins(0, 16, 0, 8);
@@ -54,6 +55,9 @@ ModelsView::ModelsView(AppState &state, QWidget *parent)
     column()->addWidget(m_add);
     column()->addStretch(1);
 
+    connect(m_otherColumn, &LazyColumn::rowsMade, this, &ModelsView::orderFocus);
+    // A place near it, rather than none.
+    connect(m_otherColumn, &LazyColumn::focusLeaves, m_custom, qOverload<>(&QWidget::setFocus));
     connect(m_custom, &QLineEdit::returnPressed, this, [this] { download(); });
     connect(m_custom, &QLineEdit::textChanged, this, [this] { render(); });
     connect(m_download, &QPushButton::clicked, this, [this] { download(); });
@@ -108,10 +112,12 @@ void ModelsView::fillAddSection()
     m_add->column()->addLayout(row);
 }
 
-void ModelsView::adopt(ModelRow *row)
+ModelRow *ModelsView::makeRow(const QString &name, const std::optional<CatalogModel> &catalog, bool isBest)
 {
+    auto *row = new ModelRow(m_state, name, catalog, isBest);
     connect(row, &ModelRow::deleteRequested, this, &ModelsView::confirmDelete);
     connect(row, &ModelRow::detailsRequested, this, &ModelsView::showDetails);
+    return row;
 }
 
 void ModelsView::render()
@@ -124,44 +130,37 @@ void ModelsView::render()
 
 void ModelsView::renderOtherModels()
 {
-    const QStringList names = otherModelNames(m_state.installed(), m_state.queue().items());
+    const QList<ModelRow *> rows = otherRows();
+    for (ModelRow *row : rows)
+        row->render();
+    const QList<DownloadItem> &items = m_state.queue().items();
+    QStringList downloads;
+    for (const DownloadItem &item : items)
+        downloads.append(item.pullName);
+    // An unchanged list is the very same one, and not gone through.
+    if (m_state.installed() == m_listedInstalled && downloads == m_listedDownloads)
+        return;
+    m_listedInstalled = m_state.installed();
+    m_listedDownloads = downloads;
+    const QStringList names = otherModelNames(m_listedInstalled, items);
+    m_otherColumn->setKeys(names);
+    m_others->setHidden(names.isEmpty());
+}
+
+QList<ModelRow *> ModelsView::otherRows() const
+{
     QList<ModelRow *> rows;
-    for (const QString &name : names) {
-        const auto known = std::find_if(m_otherRows.begin(), m_otherRows.end(),
-                                        [&](const ModelRow *row) { return row->name() == name; });
-        if (known != m_otherRows.end()) {
-            rows.append(*known);
-            m_otherRows.erase(known);
-            rows.last()->render();
-        } else {
-            rows.append(new ModelRow(m_state, name, std::nullopt, false));
-            adopt(rows.last());
-        }
-    }
-    for (const ModelRow *gone : std::as_const(m_otherRows)) {
-        if (gone->isAncestorOf(window()->focusWidget()))
-            m_custom->setFocus(); // a place near it, rather than none
-        delete gone;
-    }
-    m_otherRows = rows;
-    bool moved = false;
-    for (int place = 0; place < rows.size(); ++place) {
-        if (m_otherColumn->indexOf(rows.at(place)) == place)
-            continue;
-        m_otherColumn->insertWidget(place, rows.at(place));
-        moved = true;
-    }
-    if (moved)
-        orderFocus();
-    m_others->setVisible(!rows.isEmpty());
+    const QList<QWidget *> made = m_otherColumn->rows();
+    for (QWidget *row : made)
+        rows.append(qobject_cast<ModelRow *>(row));
+    return rows;
 }
 
 // The controls of a row that comes would be the window's last for the Tab key.
 void ModelsView::orderFocus()
 {
     QList<QWidget *> parts{m_catalogRows.last()};
-    for (ModelRow *row : std::as_const(m_otherRows))
-        parts.append(row);
+    parts += m_otherColumn->rows();
     parts.append(m_add);
     QWidget *last = nullptr;
     for (const QWidget *part : std::as_const(parts)) {

@@ -2,16 +2,22 @@
 // download any model by its name.
 #pragma once
 
+#include "core/api/InstalledModel.h"
 #include "ui/widgets/ScrollPage.h"
 
 #include <QList>
 #include <QString>
+#include <QStringList>
+
+#include <optional>
 
 class AppState;
 class Card;
+class LazyColumn;
 class ModelRow;
 class ProminentButton;
 class QLineEdit;
+struct CatalogModel;
 
 class ModelsView : public ScrollPage
 {
@@ -23,10 +29,11 @@ public:
 private:
     void render();
     void renderOtherModels();
+    QList<ModelRow *> otherRows() const;
     void orderFocus();
     QWidget *makeHeader();
     void fillAddSection();
-    void adopt(ModelRow *row);
+    ModelRow *makeRow(const QString &name, const std::optional<CatalogModel> &catalog, bool isBest);
     void download();
     void confirmDelete(const QString &name);
     void showDetails(const QString &name);
@@ -34,8 +41,10 @@ private:
     AppState &m_state;
     QList<ModelRow *> m_catalogRows;
     QWidget *const m_others; // its heading and its rows
-    QVBoxLayout *const m_otherColumn;
-    QList<ModelRow *> m_otherRows;
+    LazyColumn *const m_otherColumn;
+    // What the other names were last made of.
+    QList<InstalledModel> m_listedInstalled;
+    QStringList m_listedDownloads;
     Card *const m_add;
     QLineEdit *const m_custom;
     ProminentButton *const m_download;

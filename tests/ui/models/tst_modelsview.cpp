@@ -12,6 +12,7 @@
 
 #include <QLineEdit>
 #include <QProgressBar>
+#include <QScrollBar>
 
 using namespace Qt::StringLiterals;
 using Phase = DownloadItem::Phase;
@@ -107,6 +108,60 @@ private Q_SLOTS:
         for (const QString &name : {u"phi3.5"_s, u" B:1 "_s, u"A0"_s})
             downloads.emplaceBack().pullName = name;
         QCOMPARE(::otherModelNames(installed, downloads), QStringList({u"b:1"_s, u"a:1"_s, u"A0"_s}));
+    }
+
+    // Of which only the rows near sight are made, whichever way the user goes.
+    void aLongList()
+    {
+        QStringList names;
+        for (int number = 300; number > 0; --number)
+            names.append(u"m%1:1b"_s.arg(number, 3, 10, QChar(u'0')));
+        ShownModels app(names.join(u','));
+        const auto installedNames = [&app] {
+            QStringList list;
+            for (const InstalledModel &model : app->installed())
+                list.append(model.name);
+            return list;
+        };
+        names = installedNames();
+        QCOMPARE(names.size(), 300);
+        const auto made = [&app] { return app.view.findChildren<ModelRow *>().size(); };
+        const auto focusedRow = []() -> ModelRow * {
+            QWidget *widget = QApplication::focusWidget();
+            while (widget && !qobject_cast<ModelRow *>(widget))
+                widget = widget->parentWidget();
+            return qobject_cast<ModelRow *>(widget);
+        };
+        constexpr int few = 60;
+        QTRY_VERIFY(app.row(names.first()) && app.row(names.last()));
+        QVERIFY(!app.row(names.at(150)) && made() < few);
+
+        onscreen::find(app.row(names.first()), u"Chat"_s)->setFocus();
+        for (int place = 0; place < 40; ++place) {
+            QCOMPARE(focusedRow()->name(), names.at(place));
+            QVERIFY(made() < few);
+            for (int button = 0; button < 3; ++button)
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+        QScrollBar *const bar = app.view.verticalScrollBar();
+        bar->setValue(bar->maximum());
+        QTRY_VERIFY(app.row(names.at(290)) && made() < few);
+        QCOMPARE(focusedRow()->name(), names.at(40)); // out of sight, but not out of reach
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+        QCOMPARE(focusedRow()->name(), names.at(39));
+        QTRY_VERIFY(app.row(names.at(30)) && !focusedRow()->visibleRegion().isEmpty());
+        onscreen::find<QLineEdit>(&app.view, u"Model name"_s)->setFocus();
+        for (int press = 0; press < 9 && !focusedRow(); ++press)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+        QVERIFY(focusedRow() && focusedRow()->name() == names.last());
+
+        // What stays when the list changes keeps its widgets.
+        const QPointer<ModelRow> first = app.row(names.first());
+        app.addModel(u"new:1b"_s);
+        QTRY_VERIFY(app.row(u"new:1b"_s));
+        QCOMPARE(app.row(names.first()), first);
+        QVERIFY(made() < few);
     }
 
     void addsAModelByName()

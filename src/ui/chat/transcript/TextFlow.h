@@ -4,7 +4,7 @@
 
 #include "ui/chat/transcript/FlowLink.h"
 #include "ui/chat/transcript/FlowRows.h"
-#include "ui/chat/transcript/HeightIndex.h"
+#include "ui/widgets/HeightIndex.h"
 #include "ui/chat/transcript/ParagraphLayout.h"
 #include "ui/chat/transcript/TextPosition.h"
 #include "ui/chat/transcript/TranscriptStyle.h"

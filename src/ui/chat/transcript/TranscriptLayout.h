@@ -3,7 +3,7 @@
 #pragma once
 
 #include "core/chat/Conversation.h"
-#include "ui/chat/transcript/HeightIndex.h"
+#include "ui/widgets/HeightIndex.h"
 #include "ui/chat/transcript/MessageItem.h"
 #include "ui/chat/transcript/RowAddress.h"
 #include "ui/chat/transcript/TranscriptStyle.h"

@@ -1,4 +1,4 @@
-#include "ui/chat/transcript/HeightIndex.h"
+#include "ui/widgets/HeightIndex.h"
 
 #include <algorithm>
 #include <bit>
