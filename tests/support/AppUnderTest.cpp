@@ -4,7 +4,8 @@
 
 using namespace Qt::StringLiterals;
 
-AppUnderTest::AppUnderTest(const QMap<QString, QString> &variables) : demo(DemoEngine::quick(variables))
+AppUnderTest::AppUnderTest(const QMap<QString, QString> &variables, std::chrono::milliseconds longWait)
+    : demo(DemoEngine::quick(variables)), m_longWait(longWait)
 {
     sandbox.chooseEngine(demo);
     launch();
@@ -28,7 +29,8 @@ AppState::Dependencies AppUnderTest::dependencies()
             .engine = Sandbox::engineOptions(),
             .downloads = {.freeBytes = [](const QString &) { return std::optional<qint64>(); }},
             .statusPause = std::chrono::milliseconds(20),
-            .unloadPatience = std::chrono::milliseconds(1000)};
+            .unloadPatience = std::chrono::milliseconds(1000),
+            .longWait = m_longWait};
 }
 
 void AppUnderTest::addModel(const QString &model) const

@@ -17,8 +17,9 @@ class AppUnderTest
 {
 public:
     // The engine is set up by `variables` beside a quick pace; the state has found it, and its models, when
-    // this returns.
-    explicit AppUnderTest(const QMap<QString, QString> &variables = {});
+    // this returns. `longWait` is the state's.
+    explicit AppUnderTest(const QMap<QString, QString> &variables = {},
+                          std::chrono::milliseconds longWait = std::chrono::hours(1));
 
     AppState *operator->() { return &*m_state; }
     AppState &operator*() { return *m_state; }
@@ -52,5 +53,6 @@ public:
     DemoEngine demo;
 
 private:
+    const std::chrono::milliseconds m_longWait;
     std::optional<AppState> m_state;
 };

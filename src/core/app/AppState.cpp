@@ -48,7 +48,7 @@ AppState::AppState(const Dependencies &dependencies, QObject *parent)
       m_memory(dependencies.memory ? *dependencies.memory : physicalMemory()),
       m_statusPause(dependencies.statusPause),
       m_models(std::make_unique<EngineModels>(m_engine, dependencies.unloadPatience)),
-      m_replies(std::make_unique<ReplyGenerator>(m_engine, m_chats))
+      m_replies(std::make_unique<ReplyGenerator>(m_engine, m_chats, dependencies.longWait))
 {
     m_defaults.registerDefault(serverWantedKey, true);
     loadSettings();
@@ -89,6 +89,8 @@ void AppState::wire()
     connect(m_models.get(), &EngineModels::capabilitiesChanged, this, &AppState::capabilitiesChanged);
     connect(m_models.get(), &EngineModels::failed, this, &AppState::setBanner);
     connect(m_replies.get(), &ReplyGenerator::generatingIDChanged, this, &AppState::generatingIDChanged);
+    connect(m_replies.get(), &ReplyGenerator::awaitedModelChanged, this,
+            [this] { launch([this] { return tellAwaited(this, m_stop.token()); }); });
     connect(m_replies.get(), &ReplyGenerator::failed, this, &AppState::setBanner);
     connect(m_replies.get(), &ReplyGenerator::finished, this,
             [this] { launch([this] { return refresh(); }); });
@@ -113,6 +115,14 @@ Task<> AppState::statusLoop(QPointer<AppState> self, StopToken stop)
         if (!stop.stopRequested())
             co_await self->refresh();
     }
+}
+
+// Not before it is known whether the model is in memory by now.
+Task<> AppState::tellAwaited(QPointer<AppState> self, StopToken stop)
+{
+    co_await self->refresh();
+    if (!stop.stopRequested())
+        Q_EMIT self->awaitedModelChanged();
 }
 
 void AppState::setTab(AppTab tab)
@@ -221,6 +231,12 @@ void AppState::openChat(const QString &model)
 const std::optional<QUuid> &AppState::generatingID() const
 {
     return m_replies->generatingID();
+}
+
+bool AppState::isLoadingModel() const
+{
+    const QString &awaited = m_replies->awaitedModel();
+    return !awaited.isEmpty() && !isLoaded(awaited);
 }
 
 bool AppState::send(const QString &text, const QUuid &id)

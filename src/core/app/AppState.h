@@ -43,6 +43,7 @@ public:
         DownloadQueue::Seams downloads = {};
         std::chrono::milliseconds statusPause{4000};      // between two passes over the lists of models
         std::chrono::milliseconds unloadPatience{10'000}; // for a model to leave the engine's memory
+        std::chrono::milliseconds longWait{3000};         // for a reply, before its model counts as awaited
         std::optional<quint64> memory = {};               // in bytes; absent: what is built into the machine
     };
 
@@ -98,6 +99,8 @@ public:
 
     // The conversation whose reply is streaming; at most one in the whole program.
     const std::optional<QUuid> &generatingID() const;
+    // Whether its model has not answered for long and is not in memory, as far as is known.
+    bool isLoadingModel() const;
     // Appends the user's message and has it answered. Returns whether the text was taken: it is not when it
     // is blank, while a reply streams or the program quits, nor where there is no such chat or it has no
     // model.
@@ -127,6 +130,8 @@ Q_SIGNALS:
     void capabilitiesChanged();
     void bannerChanged();
     void generatingIDChanged();
+    // With loadedChanged(), all that isLoadingModel() depends on.
+    void awaitedModelChanged();
     void modelSettingsChanged();
 
 private:
@@ -134,6 +139,7 @@ private:
     void setModelSettings(const ModelSettingsMap &settings);
     void wire();
     static Task<> statusLoop(QPointer<AppState> self, StopToken stop);
+    static Task<> tellAwaited(QPointer<AppState> self, StopToken stop);
     static Task<> exportTo(QPointer<AppState> self, Conversation conversation, StopToken stop);
     // Whether a reply can begin; where the chat has no model, the banner says so.
     bool canGenerate(const QUuid &id);

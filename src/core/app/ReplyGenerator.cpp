@@ -38,9 +38,13 @@ Task<> startUnlessStopped(QPointer<EngineManager> engine, StopToken stop)
 
 } // namespace
 
-ReplyGenerator::ReplyGenerator(EngineManager &engine, ChatStore &chats, QObject *parent)
+ReplyGenerator::ReplyGenerator(EngineManager &engine, ChatStore &chats, std::chrono::milliseconds longWait,
+                               QObject *parent)
     : QObject(parent), m_engine(engine), m_chats(chats)
 {
+    m_longWait.setSingleShot(true);
+    m_longWait.setInterval(longWait);
+    connect(&m_longWait, &QTimer::timeout, this, [this] { setAwaitedModel(m_model); });
 }
 
 ReplyGenerator::~ReplyGenerator()
@@ -51,6 +55,7 @@ ReplyGenerator::~ReplyGenerator()
 void ReplyGenerator::start(const QUuid &id, const ChatRequest &request)
 {
     setGeneratingID(id);
+    m_model = request.model;
     m_chats.mutate(id, [](Conversation &conversation) {
         conversation.messages.append(ChatMessage::make(u"assistant"_s));
     });
@@ -91,9 +96,11 @@ Task<> ReplyGenerator::stream(QPointer<ReplyGenerator> self, QUuid id, ChatReque
 
     const OllamaClient client(engine.port());
     Stream<ChatChunk> chunks = client.chat(request, stop);
+    self->m_longWait.start();
     while (const auto chunk = co_await chunks.next()) {
         if (!self || stop.stopRequested())
             co_return;
+        self->stopWaiting();
         self->m_chats.mutate(id, [&chunk](Conversation &conversation) {
             if (!conversation.messages.isEmpty())
                 ChatGeneration::apply(*chunk, conversation.messages.last());
@@ -103,6 +110,7 @@ Task<> ReplyGenerator::stream(QPointer<ReplyGenerator> self, QUuid id, ChatReque
 
 void ReplyGenerator::finish(const QUuid &id)
 {
+    stopWaiting();
     const Conversation *const conversation = m_chats.find(id);
     if (conversation && !conversation->messages.isEmpty() &&
         ChatGeneration::isEmptyReply(conversation->messages.last()))
@@ -110,6 +118,18 @@ void ReplyGenerator::finish(const QUuid &id)
     m_chats.touch(id);
     setGeneratingID(std::nullopt);
     Q_EMIT finished();
+}
+
+void ReplyGenerator::stopWaiting()
+{
+    m_longWait.stop();
+    setAwaitedModel({});
+}
+
+void ReplyGenerator::setAwaitedModel(const QString &model)
+{
+    if (std::exchange(m_awaitedModel, model) != model)
+        Q_EMIT awaitedModelChanged();
 }
 
 void ReplyGenerator::setGeneratingID(const std::optional<QUuid> &id)

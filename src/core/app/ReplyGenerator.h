@@ -8,8 +8,10 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QTimer>
 #include <QUuid>
 
+#include <chrono>
 #include <optional>
 
 class ChatStore;
@@ -20,13 +22,18 @@ class ReplyGenerator : public QObject
     Q_OBJECT
 
 public:
-    // Both are to outlive this.
-    ReplyGenerator(EngineManager &engine, ChatStore &chats, QObject *parent = nullptr);
+    // Both are to outlive this. `longWait` is how long a model may take to answer before it counts as
+    // awaited.
+    ReplyGenerator(EngineManager &engine, ChatStore &chats, std::chrono::milliseconds longWait,
+                   QObject *parent = nullptr);
     // A reply that is streaming is stopped, and what arrived last of it is not saved.
     ~ReplyGenerator() override;
 
     // The conversation whose reply is streaming.
     const std::optional<QUuid> &generatingID() const { return m_generatingID; }
+
+    // The model from which nothing has come for long; empty when there is none.
+    const QString &awaitedModel() const { return m_awaitedModel; }
 
     // Appends an empty reply to the conversation and fills it with the engine's answer to `request`; the
     // engine is started where it does not run. Not to be called while a reply streams.
@@ -35,6 +42,7 @@ public:
 
 Q_SIGNALS:
     void generatingIDChanged();
+    void awaitedModelChanged();
     // The reply ended early; `message` is for the user.
     void failed(const QString &message);
     // The conversation is saved; the engine may have loaded a model.
@@ -45,9 +53,14 @@ private:
     static Task<> stream(QPointer<ReplyGenerator> self, QUuid id, ChatRequest request, StopToken stop);
     void finish(const QUuid &id);
     void setGeneratingID(const std::optional<QUuid> &id);
+    void setAwaitedModel(const QString &model);
+    void stopWaiting();
 
     EngineManager &m_engine;
     ChatStore &m_chats;
     std::optional<QUuid> m_generatingID;
+    QString m_model; // that was asked last
+    QString m_awaitedModel;
+    QTimer m_longWait; // runs from a request to what comes first
     Job m_generationTask;
 };

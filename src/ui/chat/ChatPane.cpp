@@ -48,7 +48,8 @@ ChatPane::ChatPane(AppState &state, Desktop &desktop, const QUuid &id, QWidget *
 
     render();
     auto *scheduler = new RenderScheduler(this, [this] { render(); });
-    scheduler->follow(&m_state, &AppState::generatingIDChanged);
+    scheduler->follow(&m_state, &AppState::generatingIDChanged, &AppState::awaitedModelChanged,
+                      &AppState::loadedChanged);
     connect(&m_state.chats(), &ChatStore::conversationChanged, scheduler,
             [this, scheduler](const QUuid &changed) {
                 if (changed == m_id)
@@ -101,6 +102,7 @@ void ChatPane::render()
         return;
     const bool generating = isGenerating();
     m_transcript->showConversation(*conversation, generating);
+    m_transcript->setLoadsModel(generating && m_state.isLoadingModel());
     const bool buttonFocused = m_send->hasFocus() || m_stop->hasFocus();
     m_send->setVisible(!generating);
     m_stop->setVisible(generating);

@@ -18,7 +18,8 @@ namespace {
 
 struct ChatScreen : AppUnderTest
 {
-    ChatScreen() : AppUnderTest({{u"DEMO_ENGINE_INSTALLED"_s, u"gemma3:4b,qwen3:4b"_s}})
+    explicit ChatScreen(std::chrono::milliseconds longWait = std::chrono::hours(1))
+        : AppUnderTest({{u"DEMO_ENGINE_INSTALLED"_s, u"gemma3:4b,qwen3:4b"_s}}, longWait)
     {
         view.resize(930, 620);
         view.show();
@@ -111,6 +112,20 @@ private Q_SLOTS:
         QTRY_VERIFY(!app->generatingID() && messages::offers(&app.view, u"Regenerate"_s));
         QVERIFY(app.lastMessage().id != first.id);
         QCOMPARE(messages::texts(&app.view).size(), 2);
+    }
+
+    void saysThatTheModelLoads()
+    {
+        ChatScreen app(std::chrono::milliseconds(1));
+        app.demo.setFaults(u"chat:stall-early"_s);
+        app.open();
+        app.say(u"Hello"_s);
+        QTRY_COMPARE(messages::status(&app.view), u"Loading the model into memory…"_s);
+        app.demo.setFaults({});
+        app.loadModel(u"gemma3:4b"_s);
+        QTRY_COMPARE(messages::status(&app.view), u"Waiting for the model…"_s);
+        onscreen::click(&app.view, u"Stop"_s);
+        QTRY_VERIFY(!app->generatingID() && !app->isLoadingModel());
     }
 
     void reasonsUntilItIsStopped()

@@ -216,8 +216,10 @@ std::optional<QRect> MessageBody::rect(MessageRow row) const
 
 QString MessageBody::waitingText() const
 {
-    return tr(m_reply.reasoning().isEmpty() ? QT_TRANSLATE_NOOP("Transcript", "Waiting for the model…")
-                                            : QT_TRANSLATE_NOOP("Transcript", "Thinking…"));
+    if (!m_reply.reasoning().isEmpty())
+        return tr(QT_TRANSLATE_NOOP("Transcript", "Thinking…"));
+    return tr(m_facts.loadsModel ? QT_TRANSLATE_NOOP("Transcript", "Loading the model into memory…")
+                                 : QT_TRANSLATE_NOOP("Transcript", "Waiting for the model…"));
 }
 
 QString MessageBody::status() const

@@ -8,6 +8,7 @@ struct MessageFacts
     bool isUsers = false;
     bool isLast = false;
     bool isGenerating = false; // a reply in its conversation is
+    bool loadsModel = false;   // which its model is loaded for
     bool isOpen = false;       // its reasoning is shown
     std::optional<double> tokensPerSecond;
 

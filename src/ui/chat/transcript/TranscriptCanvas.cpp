@@ -55,6 +55,12 @@ void TranscriptCanvas::showConversation(const Conversation &conversation, bool i
     scheduleFrame();
 }
 
+void TranscriptCanvas::setLoadsModel(bool loads)
+{
+    if (m_state.layout.setLoadsModel(loads))
+        repaintAll();
+}
+
 void TranscriptCanvas::scheduleFrame()
 {
     m_isStale = true;

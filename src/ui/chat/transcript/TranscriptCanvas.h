@@ -25,6 +25,9 @@ public:
     // that both say `isGenerating` only the last message may have changed, by growing at its end.
     void showConversation(const Conversation &conversation, bool isGenerating);
 
+    // Whether the reply that is generated waits for its model to be loaded into the memory.
+    void setLoadsModel(bool loads);
+
     const TranscriptLayout &transcript() const { return m_state.layout; }
     // Whether everything shown has been laid out; its painting may be due still.
     bool isSettled() const { return !m_isStale; }

@@ -65,6 +65,14 @@ void TranscriptLayout::replaceFrom(const Conversation &conversation, int first)
     }
 }
 
+bool TranscriptLayout::setLoadsModel(bool loads)
+{
+    m_loadsModel = loads;
+    Change change;
+    showFacts(m_isGenerating, change);
+    return change.isAny;
+}
+
 // Only the last message looks different for being the last, and while a reply is generated.
 void TranscriptLayout::showFacts(bool isGenerating, Change &change)
 {
@@ -73,6 +81,7 @@ void TranscriptLayout::showFacts(bool isGenerating, Change &change)
         MessageFacts facts = item.facts();
         facts.isLast = i == count() - 1;
         facts.isGenerating = facts.isLast && isGenerating;
+        facts.loadsModel = facts.isGenerating && m_loadsModel;
         if (item.setFacts(facts)) {
             change.isAny = true;
             updateHeight(i);

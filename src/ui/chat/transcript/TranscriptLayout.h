@@ -31,6 +31,9 @@ public:
     // Goes over to the conversation as it is now. While a reply is generated only the last message is looked
     // at; it must have grown at its end, if at all.
     Change show(const Conversation &conversation, bool isGenerating);
+    // Whether the reply that is generated waits for its model to be loaded; returns whether that changes
+    // what is shown.
+    bool setLoadsModel(bool loads);
     void setViewport(QSize size);
     // Lays everything out again since the style has changed.
     void restyle();
@@ -88,6 +91,7 @@ private:
     const TranscriptStyle &m_style;
     QUuid m_conversation;
     bool m_isGenerating = false;
+    bool m_loadsModel = false;
     qsizetype m_lastSize = 0;
     int m_last = 0; // the message that was the last one when the facts were shown
     std::vector<MessageItem> m_items;
