@@ -18,7 +18,7 @@ ContentView::ContentView(AppState &state, Desktop &desktop, UserDefaults &defaul
     : QWidget(parent),
       m_state(state),
       m_defaults(defaults),
-      m_chat(new ChatView(state, desktop)),
+      m_chat(new ChatView(state, desktop, defaults)),
       m_screens(new QStackedWidget),
       m_tabs(new QWidget),
       m_guide(GuideView::isDone(defaults) ? nullptr : new GuideView(state, defaults))

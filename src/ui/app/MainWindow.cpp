@@ -6,6 +6,7 @@
 #include "ui/app/EditMenu.h"
 #include "ui/app/GuideView.h"
 #include "ui/app/WindowMenu.h"
+#include "ui/chat/TextZoom.h"
 #include "ui/engine/ServerToolbar.h"
 
 #include <QActionGroup>
@@ -29,7 +30,10 @@ QKeySequence usualKeys(QKeySequence::StandardKey key, QKeyCombination otherwise)
 } // namespace
 
 MainWindow::MainWindow(AppState &state, Desktop &desktop, UserDefaults &defaults)
-    : m_state(state), m_defaults(defaults), m_content(new ContentView(state, desktop, defaults))
+    : m_state(state),
+      m_defaults(defaults),
+      m_content(new ContentView(state, desktop, defaults)),
+      m_zoom(new TextZoom(defaults, this))
 {
     setWindowTitle(u"Tarnwick"_s);
     setObjectName("main"_L1);
@@ -41,8 +45,9 @@ MainWindow::MainWindow(AppState &state, Desktop &desktop, UserDefaults &defaults
     addToolBar(toolbar);
     setCentralWidget(m_content);
     makeMenus();
-    enableTabActions();
-    connect(&m_defaults, &UserDefaults::changed, this, &MainWindow::enableTabActions);
+    enableActions();
+    connect(&m_defaults, &UserDefaults::changed, this, &MainWindow::enableActions);
+    connect(&m_state, &AppState::tabChanged, this, &MainWindow::enableActions);
     restorePlace();
 }
 
@@ -75,11 +80,11 @@ void MainWindow::makeMenus()
     connect(search, &QAction::triggered, m_content, &ContentView::searchChats);
     m_tabActions.append(search);
     menuBar()->addMenu(edit);
-    makeTabMenu();
+    makeViewMenu();
     menuBar()->addMenu(new WindowMenu(this));
 }
 
-void MainWindow::makeTabMenu()
+void MainWindow::makeViewMenu()
 {
     QMenu *view = menuBar()->addMenu(tr("&View"));
     auto *group = new QActionGroup(this);
@@ -96,12 +101,31 @@ void MainWindow::makeTabMenu()
     add(tr("&Models"), Qt::Key_1, AppTab::models);
     add(tr("&Chat"), Qt::Key_2, AppTab::chat);
     add(tr("&Server"), Qt::Key_3, AppTab::server);
+    view->addSeparator();
+    addZoom(view);
 }
 
-void MainWindow::enableTabActions()
+void MainWindow::addZoom(QMenu *view)
 {
+    m_grow = view->addAction(tr("&Larger Text"), m_zoom, &TextZoom::grow);
+    // Also without the shift key that the plus takes on many keyboards.
+    m_grow->setShortcuts(
+        {usualKeys(QKeySequence::ZoomIn, Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)});
+    m_shrink = view->addAction(tr("S&maller Text"), m_zoom, &TextZoom::shrink);
+    m_shrink->setShortcut(usualKeys(QKeySequence::ZoomOut, Qt::CTRL | Qt::Key_Minus));
+    m_usualSize = view->addAction(tr("&Usual Text Size"), m_zoom, &TextZoom::reset);
+    m_usualSize->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_0));
+}
+
+void MainWindow::enableActions()
+{
+    const bool isGuided = !GuideView::isDone(m_defaults);
     for (QAction *action : std::as_const(m_tabActions))
-        action->setEnabled(GuideView::isDone(m_defaults));
+        action->setEnabled(!isGuided);
+    const bool isChat = !isGuided && m_state.tab() == AppTab::chat;
+    m_grow->setEnabled(isChat && !m_zoom->isLargest());
+    m_shrink->setEnabled(isChat && !m_zoom->isSmallest());
+    m_usualSize->setEnabled(isChat);
 }
 
 void MainWindow::restorePlace()

@@ -8,6 +8,7 @@
 class AppState;
 class ContentView;
 class Desktop;
+class TextZoom;
 class UserDefaults;
 
 class MainWindow : public QMainWindow
@@ -31,13 +32,18 @@ protected:
 
 private:
     void makeMenus();
-    void makeTabMenu();
-    void enableTabActions();
+    void makeViewMenu();
+    void addZoom(QMenu *view);
+    void enableActions();
     void restorePlace();
 
     AppState &m_state;
     UserDefaults &m_defaults;
     ContentView *const m_content;
+    TextZoom *const m_zoom;
     QList<QAction *> m_tabActions; // what would show a tab, which the guide stands in front of
+    QAction *m_grow = nullptr;
+    QAction *m_shrink = nullptr;
+    QAction *m_usualSize = nullptr;
     std::function<bool()> m_staysWhenClosed;
 };

@@ -3,6 +3,7 @@
 #include "core/app/AppState.h"
 #include "ui/chat/ChatHeader.h"
 #include "ui/chat/MessageInput.h"
+#include "ui/chat/TextZoom.h"
 #include "ui/chat/transcript/Transcript.h"
 #include "ui/widgets/Divider.h"
 #include "ui/widgets/ProminentButton.h"
@@ -15,9 +16,10 @@
 
 using namespace Qt::StringLiterals;
 
-ChatPane::ChatPane(AppState &state, Desktop &desktop, const QUuid &id, QWidget *parent)
+ChatPane::ChatPane(AppState &state, Desktop &desktop, TextZoom &zoom, const QUuid &id, QWidget *parent)
     : QWidget(parent),
       m_state(state),
+      m_zoom(zoom),
       m_id(id),
       m_transcript(new Transcript(desktop)),
       m_input(new MessageInput),
@@ -46,6 +48,11 @@ ChatPane::ChatPane(AppState &state, Desktop &desktop, const QUuid &id, QWidget *
     connect(m_stop, &QPushButton::clicked, &m_state, &AppState::stopGenerating);
     connect(m_escape, &QShortcut::activated, &m_state, &AppState::stopGenerating);
 
+    zoom.followWheel(m_transcript->viewport());
+    zoom.followWheel(m_input->viewport());
+    connect(&zoom, &TextZoom::changed, this, &ChatPane::scaleText);
+    scaleText();
+
     render();
     auto *scheduler = new RenderScheduler(this, [this] { render(); });
     scheduler->follow(&m_state, &AppState::generatingIDChanged, &AppState::awaitedModelChanged,
@@ -73,6 +80,12 @@ QWidget *ChatPane::makeInputRow()
     row->addWidget(m_send, 0, Qt::AlignBottom);
     row->addWidget(m_stop, 0, Qt::AlignBottom);
     return part;
+}
+
+void ChatPane::scaleText()
+{
+    m_transcript->setTextScale(m_zoom.factor());
+    m_input->setTextScale(m_zoom.factor());
 }
 
 void ChatPane::focusInput()

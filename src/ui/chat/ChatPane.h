@@ -11,6 +11,7 @@ class MessageInput;
 class ProminentButton;
 class QLabel;
 class QShortcut;
+class TextZoom;
 class Transcript;
 
 class ChatPane : public QWidget
@@ -18,7 +19,8 @@ class ChatPane : public QWidget
     Q_OBJECT
 
 public:
-    ChatPane(AppState &state, Desktop &desktop, const QUuid &id, QWidget *parent = nullptr);
+    // All three must outlive the pane.
+    ChatPane(AppState &state, Desktop &desktop, TextZoom &zoom, const QUuid &id, QWidget *parent = nullptr);
 
     const QUuid &id() const { return m_id; }
     void focusInput();
@@ -32,8 +34,10 @@ private:
     QWidget *makeInputRow();
     void send();
     void edit();
+    void scaleText();
 
     AppState &m_state;
+    TextZoom &m_zoom;
     const QUuid m_id;
     Transcript *const m_transcript;
     MessageInput *const m_input;

@@ -4,6 +4,7 @@
 #include "ui/chat/ChatPane.h"
 #include "ui/chat/ConversationListModel.h"
 #include "ui/chat/RenameDialog.h"
+#include "ui/chat/TextZoom.h"
 #include "ui/widgets/BorderlessButton.h"
 #include "ui/widgets/Divider.h"
 #include "ui/widgets/ProminentButton.h"
@@ -20,10 +21,11 @@
 
 using namespace Qt::StringLiterals;
 
-ChatView::ChatView(AppState &state, Desktop &desktop, QWidget *parent)
+ChatView::ChatView(AppState &state, Desktop &desktop, UserDefaults &defaults, QWidget *parent)
     : QWidget(parent),
       m_state(state),
       m_desktop(desktop),
+      m_zoom(new TextZoom(defaults, this)),
       m_model(new ConversationListModel(state.chats(), this)),
       m_search(new QLineEdit),
       m_list(new RowListView),
@@ -132,7 +134,7 @@ void ChatView::renderPane()
     m_placeholder->setVisible(!exists);
     if (!exists || m_pane)
         return;
-    m_pane = new ChatPane(m_state, m_desktop, *selected);
+    m_pane = new ChatPane(m_state, m_desktop, *m_zoom, *selected);
     m_pane->setDraft(m_drafts.take(*selected));
     static_cast<QHBoxLayout *>(layout())->addWidget(m_pane, 1);
     // Whoever goes through the list with the keyboard stays there.

@@ -13,13 +13,16 @@ class Desktop;
 class QHBoxLayout;
 class QLineEdit;
 class RowListView;
+class TextZoom;
+class UserDefaults;
 
 class ChatView : public QWidget
 {
     Q_OBJECT
 
 public:
-    ChatView(AppState &state, Desktop &desktop, QWidget *parent = nullptr);
+    // All three must outlive the view.
+    ChatView(AppState &state, Desktop &desktop, UserDefaults &defaults, QWidget *parent = nullptr);
 
     // Puts the focus into the search field.
     void startSearch();
@@ -34,6 +37,7 @@ private:
 
     AppState &m_state;
     Desktop &m_desktop;
+    TextZoom *const m_zoom;
     ConversationListModel *const m_model;
     QLineEdit *const m_search;
     RowListView *const m_list;

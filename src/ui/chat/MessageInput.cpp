@@ -1,6 +1,7 @@
 #include "ui/chat/MessageInput.h"
 
 #include "ui/chat/LongWords.h"
+#include "ui/widgets/TextStyle.h"
 
 #include <QEvent>
 #include <QKeyEvent>
@@ -8,11 +9,13 @@
 #include <QScrollBar>
 #include <QTextBlock>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr int mostLines = 8;
+constexpr int mostUsualLines = 8;
+constexpr int leastLines = 3;
 constexpr int documentMargin = 6;
 
 } // namespace
@@ -60,10 +63,22 @@ void MessageInput::insertFromMimeData(const QMimeData *source)
     QPlainTextEdit::insertFromMimeData(source);
 }
 
+void MessageInput::setTextScale(double scale)
+{
+    m_textScale = scale;
+    setFont(styledFont(TextStyle::body, scale));
+}
+
+// Large text leaves the conversation its room.
+int MessageInput::mostLines() const
+{
+    return std::max(leastLines, qRound(mostUsualLines / std::max(1.0, m_textScale)));
+}
+
 QSize MessageInput::sizeHint() const
 {
     // This document counts its height in lines.
-    const int lines = qBound(1, static_cast<int>(document()->size().height()), mostLines);
+    const int lines = qBound(1, static_cast<int>(document()->size().height()), mostLines());
     const double text = lines * QFontMetricsF(font()).lineSpacing() + 2 * documentMargin;
     return {400, static_cast<int>(std::ceil(text)) + 2 * frameWidth()};
 }
@@ -73,7 +88,7 @@ void MessageInput::fit()
     // Not while undoing may bring a long word back.
     if (document()->isEmpty() && !document()->isUndoAvailable())
         setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    const bool scrolls = document()->size().height() > mostLines;
+    const bool scrolls = document()->size().height() > mostLines();
     setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
     if (const int height = sizeHint().height(); height != maximumHeight())
         setFixedHeight(height);
@@ -127,4 +142,6 @@ void MessageInput::changeEvent(QEvent *event)
     QPlainTextEdit::changeEvent(event);
     if (event->type() == QEvent::FontChange)
         fit();
+    else if (event->type() == QEvent::ApplicationFontChange)
+        setTextScale(m_textScale);
 }

@@ -1,5 +1,5 @@
-// The field in which a message is written. It grows with its text up to eight lines; Return submits, Shift
-// and Return breaks the line, and neither happens while an input method is composing.
+// The field in which a message is written. It grows with its text up to the height of eight usual lines;
+// Return submits, Shift and Return breaks the line, and neither happens while an input method is composing.
 #pragma once
 
 #include <QPlainTextEdit>
@@ -16,6 +16,9 @@ public:
     // Replaces the draft and puts the cursor behind it.
     void setDraft(const QString &draft);
 
+    // A factor of the usual size of the text.
+    void setTextScale(double scale);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return {120, sizeHint().height()}; }
 
@@ -31,9 +34,11 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    int mostLines() const;
     void fit();
     // Called before the text comes into the field.
     void wrapFor(const QString &text);
 
+    double m_textScale = 1;
     bool m_composing = false;
 };

@@ -39,18 +39,18 @@ void setScaledSize(QFont &font, double by)
 
 } // namespace
 
-QFont styledFont(TextStyle style)
+QFont styledFont(TextStyle style, double scale)
 {
     QFont font = QApplication::font();
-    setScaledSize(font, factor(style));
+    setScaledSize(font, factor(style) * scale);
     if (style == TextStyle::title2 || style == TextStyle::headline)
         font.setBold(true);
     return font;
 }
 
-QFont monospacedFont(TextStyle style)
+QFont monospacedFont(TextStyle style, double scale)
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    setScaledSize(font, factor(style));
+    setScaledSize(font, factor(style) * scale);
     return font;
 }

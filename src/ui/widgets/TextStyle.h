@@ -15,6 +15,7 @@ enum class TextStyle
     caption
 };
 
-QFont styledFont(TextStyle style);
+// `scale` is a factor of the size that the style has.
+QFont styledFont(TextStyle style, double scale = 1);
 // The desktop's fixed-width font in the size of `style`.
-QFont monospacedFont(TextStyle style);
+QFont monospacedFont(TextStyle style, double scale = 1);

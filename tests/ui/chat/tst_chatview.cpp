@@ -6,11 +6,13 @@
 #include "ui/chat/MessageInput.h"
 #include "ui/chat/ModelSettingsView.h"
 #include "ui/chat/RenameDialog.h"
+#include "ui/chat/TextZoom.h"
 #include "ui/widgets/RowListView.h"
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenu>
+#include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
 
@@ -65,7 +67,7 @@ struct ChatScreen : AppUnderTest
         return list()->selectionModel()->selectedIndexes().value(0).data().toString();
     }
 
-    ChatView view{**this, desktop};
+    ChatView view{**this, desktop, sandbox.defaults()};
 };
 
 } // namespace
@@ -184,6 +186,39 @@ private Q_SLOTS:
         QVERIFY(onscreen::shows(&app.view, u"Stop"_s));
         QTest::keyClick(app.list(), Qt::Key_Escape);
         QTRY_VERIFY(!app->generatingID());
+    }
+
+    void textSize()
+    {
+        ChatScreen app;
+        app.open();
+        app.say(u"Hello"_s);
+        QTRY_VERIFY(!app->generatingID());
+        const auto turn = [&app](int eighths, Qt::KeyboardModifier modifier) {
+            QWidget *const viewport = messages::list(&app.view)->viewport();
+            QWheelEvent wheel(QPointF(9, 9), viewport->mapToGlobal(QPointF(9, 9)), {}, {0, eighths}, {},
+                              modifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(viewport, &wheel);
+            return QFontMetrics(app.input()->font()).height();
+        };
+        const int usual = turn(0, Qt::ControlModifier);
+        QCOMPARE(turn(120, Qt::NoModifier), usual);
+        QCOMPARE(turn(80, Qt::ControlModifier), usual);
+        QVERIFY(turn(40, Qt::ControlModifier) > usual);
+        QVERIFY(turn(-240, Qt::ControlModifier) < usual);
+
+        // It is kept, within its bounds, and holds for every chat.
+        for (const auto &[stored, factor] : {std::pair(-7, 0.7), {137, 1.37}, {1'000'000, 3.0}}) {
+            app.sandbox.defaults().set(u"textSize"_s, stored);
+            QCOMPARE(TextZoom(app.sandbox.defaults()).factor(), factor);
+        }
+        app.open();
+        QVERIFY(turn(0, Qt::ControlModifier) > 2 * usual);
+        TextZoom zoom(app.sandbox.defaults());
+        zoom.grow();
+        QVERIFY(zoom.isLargest());
+        zoom.reset();
+        QCOMPARE(turn(0, Qt::ControlModifier), usual);
     }
 
     void searchFindsTitlesAndMessages()

@@ -215,6 +215,34 @@ private Q_SLOTS:
         QApplication::setFont(QFont());
     }
 
+    void anotherTextSize()
+    {
+        ShownTranscript shown;
+        shown.addMany(10);
+        shown.addReply(u"word "_s.repeated(3'000));
+        shown.show();
+        QScrollBar *const bar = shown.view.verticalScrollBar();
+        bar->setValue(bar->maximum() / 2);
+        // Of the long text, whose lines are all alike.
+        const auto shareAboveTop = [&shown] {
+            shown.settle();
+            const QRect place = shown.rect(10, MessagePart::text, 0);
+            return -static_cast<double>(place.top()) / place.height();
+        };
+        const double before = shareAboveTop();
+        QVERIFY(before > 0.2 && before < 0.8);
+        for (const double scale : {3.0, 0.7, 2.0}) {
+            shown.view.setTextScale(scale);
+            QVERIFY(qAbs(shareAboveTop() - before) < 0.01);
+        }
+        bar->setValue(bar->maximum());
+        ShownTranscript fresh;
+        fresh.view.setTextScale(2);
+        fresh.conversation = shown.conversation;
+        fresh.show();
+        QCOMPARE(shown.settle(), fresh.settle());
+    }
+
     // However strange a text is, it is shown from its end, and every character of it is there.
     void awkwardTexts_data()
     {

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -59,6 +60,21 @@ void TranscriptCanvas::setLoadsModel(bool loads)
 {
     if (m_state.layout.setLoadsModel(loads))
         repaintAll();
+}
+
+void TranscriptCanvas::setTextScale(double scale)
+{
+    if (std::exchange(m_textScale, scale) == scale)
+        return;
+    m_state.layout.holdTop();
+    restyle();
+}
+
+void TranscriptCanvas::restyle()
+{
+    m_state.style = TranscriptStyle(palette(), m_textScale);
+    m_state.layout.restyle();
+    repaintAll();
 }
 
 void TranscriptCanvas::scheduleFrame()
@@ -295,9 +311,7 @@ void TranscriptCanvas::changeEvent(QEvent *event)
     case QEvent::FontChange:
     case QEvent::PaletteChange:
     case QEvent::StyleChange:
-        m_state.style = TranscriptStyle(palette());
-        m_state.layout.restyle();
-        repaintAll();
+        restyle();
         break;
     default:
         break;

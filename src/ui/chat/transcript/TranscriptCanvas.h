@@ -25,6 +25,8 @@ public:
     // that both say `isGenerating` only the last message may have changed, by growing at its end.
     void showConversation(const Conversation &conversation, bool isGenerating);
 
+    // A factor of the usual size of the text; the text at the top of the view stays there.
+    void setTextScale(double scale);
     // Whether the reply that is generated waits for its model to be loaded into the memory.
     void setLoadsModel(bool loads);
 
@@ -61,6 +63,7 @@ protected:
     void setKeyboardFocus(bool hasFocus);
 
 private:
+    void restyle();
     void scheduleFrame();
     // Lays out what has changed and has it painted, but for the region that is just being painted, if any.
     void frame(const QRegion *painting = nullptr);
@@ -75,6 +78,7 @@ private:
     void paintRect(QPainter &painter, const QRect &rect);
 
     TranscriptState m_state;
+    double m_textScale = 1;
     bool m_isHeld = false;
     bool m_mustFollow = false; // the end is to be shown
     bool m_isStale = true;     // the layout has not settled since it was changed

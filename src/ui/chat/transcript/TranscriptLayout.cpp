@@ -232,13 +232,24 @@ void TranscriptLayout::holdOn(const RowAddress &address)
         m_place = {false, address, place->top()};
 }
 
+void TranscriptLayout::holdTop()
+{
+    if (m_visible.empty())
+        return;
+    const VisibleRow &row = m_visible.front();
+    const double hidden =
+        std::max(0.0, -static_cast<double>(row.rect.top()) / std::max(1, row.rect.height()));
+    m_place = {false, row.address, std::max(0, row.rect.top()), hidden};
+}
+
 int TranscriptLayout::topAsPlaced() const
 {
     if (m_place.isEnd || m_place.anchor.message >= count())
         return end();
     // Of a row that is there no more, the message is left.
     const std::optional<QRect> place = rect(m_place.anchor);
-    const int y = place ? place->top() + m_top : messageTop(m_place.anchor.message);
+    const int y = place ? place->top() + m_top + qRound(m_place.hidden * place->height())
+                        : messageTop(m_place.anchor.message);
     return std::clamp(y - m_place.y, 0, end());
 }
 

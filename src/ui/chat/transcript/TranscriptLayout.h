@@ -45,6 +45,9 @@ public:
     // Keeps the row where it is when what is around it changes.
     void holdOn(const RowAddress &address);
 
+    // Keeps the text at the viewport's top there when all rows take other heights.
+    void holdTop();
+
     // Measures what has come into sight, until nothing in sight is guessed.
     void settle();
 
@@ -73,7 +76,8 @@ private:
     {
         bool isEnd = true;
         RowAddress anchor;
-        int y = 0; // of the anchor in the viewport
+        int y = 0;         // of the anchor in the viewport
+        double hidden = 0; // how much of the anchor, of its height, is above that
     };
 
     int columnWidth() const;

@@ -27,15 +27,15 @@ double columnWidth(const QFont &font)
 
 } // namespace
 
-TranscriptStyle::TranscriptStyle(const QPalette &palette)
-    : body(styledFont(TextStyle::body)),
-      title2(bold(styledFont(TextStyle::title2))),
-      title3(bold(styledFont(TextStyle::title3))),
-      headline(styledFont(TextStyle::headline)),
-      callout(styledFont(TextStyle::callout)),
-      caption(styledFont(TextStyle::caption)),
-      code(monospacedFont(TextStyle::callout)),
-      codeInline(monospacedFont(TextStyle::body)),
+TranscriptStyle::TranscriptStyle(const QPalette &palette, double scale)
+    : body(styledFont(TextStyle::body, scale)),
+      title2(bold(styledFont(TextStyle::title2, scale))),
+      title3(bold(styledFont(TextStyle::title3, scale))),
+      headline(styledFont(TextStyle::headline, scale)),
+      callout(styledFont(TextStyle::callout, scale)),
+      caption(styledFont(TextStyle::caption, scale)),
+      code(monospacedFont(TextStyle::callout, scale)),
+      codeInline(monospacedFont(TextStyle::body, scale)),
       text(tintColor(Tint::text, palette)),
       secondary(tintColor(Tint::secondary, palette)),
       link(palette.color(QPalette::Link)),

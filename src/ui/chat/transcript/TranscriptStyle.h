@@ -9,7 +9,8 @@
 
 struct TranscriptStyle
 {
-    explicit TranscriptStyle(const QPalette &palette);
+    // `scale` is a factor of the size that all texts have.
+    explicit TranscriptStyle(const QPalette &palette, double scale = 1);
 
     QFont body;
     QFont title2;
