@@ -27,7 +27,7 @@ bool isOwnFile(const struct stat &facts)
 // A link, a folder, a socket, somebody else's file; a disk that is read-only or broken is another matter.
 bool saysWhatStandsThere(int error)
 {
-    return error == ELOOP || error == EISDIR || error == ENXIO || error == ENOTSUP || error == EACCES ||
+    return error == ELOOP || error == EISDIR || error == ENXIO || error == EOPNOTSUPP || error == EACCES ||
            error == EPERM;
 }
 
@@ -58,8 +58,8 @@ ProfileLock::State ProfileLock::take()
         m_error = errno;
         if (m_error == EWOULDBLOCK || m_error == EINTR)
             return State::held;
-        return m_error == ENOLCK || m_error == ENOTSUP || m_error == ENOSYS ? State::unsupported
-                                                                            : State::failed;
+        return m_error == ENOLCK || m_error == EOPNOTSUPP || m_error == ENOSYS ? State::unsupported
+                                                                               : State::failed;
     }
     if (!isStillInPlace())
         return State::held;

@@ -3,6 +3,7 @@
 #include "platform/files/PrivateFolder.h"
 #include "platform/instance/UserSocket.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>

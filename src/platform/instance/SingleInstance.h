@@ -63,11 +63,11 @@ private:
         missing  // somebody is there and says nothing
     };
     Answer ask(const LaunchRequest &request, const QDeadlineTimer &deadline) const;
-    Answer askAt(const QString &socket, const LaunchRequest &request, const QDeadlineTimer &deadline) const;
+    Answer askAt(const QString &path, const LaunchRequest &request, const QDeadlineTimer &deadline) const;
     Claim begin();
     void listen();
     void greet();
-    void hear(Descriptor caller);
+    void hear(Descriptor connection);
 
     const std::chrono::milliseconds m_patience;
     const QString m_folder;
