@@ -4,6 +4,7 @@
 
 #include <QStringView>
 
+#include <limits>
 #include <vector>
 
 class MarkdownLines
@@ -22,8 +23,16 @@ public:
         qsizetype start; // into the text
         qsizetype length;
         Kind kind;
+        bool continues = false; // the line before, which was too long
 
         bool operator==(const Line &) const = default;
+    };
+
+    // No limits unless they are given.
+    struct Limits
+    {
+        qsizetype lineLength = std::numeric_limits<qsizetype>::max(); // of prose; a longer line is broken
+        size_t lines = std::numeric_limits<size_t>::max();            // the rest of the text is left out
     };
 
     enum class Fences
@@ -33,6 +42,7 @@ public:
     };
 
     explicit MarkdownLines(Fences fences = Fences::recognised) : m_fences(fences) {}
+    MarkdownLines(Fences fences, const Limits &limits) : m_fences(fences), m_limits(limits) {}
 
     // Goes over to `text`, whose first `unchanged` characters are those of the text before. Returns the index
     // of the first line that may have changed; those before it are as they were.
@@ -40,6 +50,9 @@ public:
 
     // At least one after the first update: an empty text is one empty line.
     const std::vector<Line> &lines() const { return m_lines; }
+
+    // Whether some of the text is left out.
+    bool isCut() const { return m_isCut; }
 
     // Whether a line appended now would stand inside a code block.
     bool endsInCode() const { return isInside(m_lines.size()); }
@@ -49,8 +62,11 @@ public:
 
 private:
     bool isInside(size_t line) const;
+    void add(QStringView text, const Line &line);
 
     Fences m_fences;
+    Limits m_limits;
     qsizetype m_size = 0; // of the text
+    bool m_isCut = false;
     std::vector<Line> m_lines;
 };

@@ -218,15 +218,15 @@ private Q_SLOTS:
     void anotherTextSize()
     {
         ShownTranscript shown;
-        shown.addMany(10);
-        shown.addReply(u"word "_s.repeated(3'000));
+        shown.addMany(2);
+        shown.addReply(u"word "_s.repeated(700));
         shown.show();
         QScrollBar *const bar = shown.view.verticalScrollBar();
         bar->setValue(bar->maximum() / 2);
         // Of the long text, whose lines are all alike.
         const auto shareAboveTop = [&shown] {
             shown.settle();
-            const QRect place = shown.rect(10, MessagePart::text, 0);
+            const QRect place = shown.rect(2, MessagePart::text, 0);
             return -static_cast<double>(place.top()) / place.height();
         };
         const double before = shareAboveTop();
@@ -250,7 +250,7 @@ private Q_SLOTS:
         row("long word", u"w"_s.repeated(200'000) + u"end"_s, u"wwend"_s);
         row("long code line", u"```\n"_s + u"0123456789"_s.repeated(20'000) + u"end"_s, u"789end"_s);
         row("fences", u"```\nx\n```\n"_s.repeated(10'000) + u"end"_s, u"x\nend"_s);
-        row("lines", u"a\n"_s.repeated(100'000) + u"end"_s, u"a\nend"_s);
+        row("lines", u"a\n"_s.repeated(40'000) + u"end"_s, u"a\nend"_s);
         row("brackets", u"["_s.repeated(100'000) + u"end"_s, u"[[end"_s);
         row("emoji", u"\U0001f468\u200d\U0001f469\u200d\U0001f467"_s.repeated(5'000), u"\U0001f467"_s);
         row("right to left", u"שלום "_s.repeated(10'000) + u"סוף"_s, u"שלום סוף"_s);
@@ -268,6 +268,58 @@ private Q_SLOTS:
         shown.view.resize(350, 300);
         shown.settle();
         QVERIFY(!shown.view.transcript().visible().empty());
+    }
+
+    // A line that is laid out in several rows is one line to whoever copies it.
+    void longLines()
+    {
+        const QString words = u"some  words, "_s.repeated(2'000) + u"end"_s;
+        for (const QString &mark : {u""_s, u"- "_s, u"# "_s}) {
+            ShownTranscript shown(mark + words);
+            QCOMPARE(shown.view.messageText(0), mark == u"- "_s ? u"• "_s + words : words);
+        }
+        ShownTranscript shown;
+        shown.addUsers(words + u"\n"_s + words);
+        shown.show();
+        QCOMPARE(shown.view.messageText(0), shown.last().content);
+    }
+
+    // What takes no room of its own would all be in sight, and laid out, at once.
+    void pilesTakeRoom()
+    {
+        for (const QString &pile : {u"\u0301"_s, u"\u200b"_s, u"\U000e0067"_s}) {
+            const QString text = u'a' + pile.repeated(3'000 / pile.size());
+            ShownTranscript shown(text);
+            QVERIFY(shown.rect(0, MessagePart::text, 0).height() > 10 * QFontMetrics(QFont()).height());
+            QCOMPARE(shown.view.messageText(0), text);
+        }
+    }
+
+    // Of a text beyond measure the beginning shows, and says so; it is copied whole.
+    void endlessTexts_data()
+    {
+        const auto row = table<QString>("text");
+        row("words", u"word "_s.repeated(300'000) + u"end"_s);
+        row("lines", u"a\n"_s.repeated(60'000) + u"end"_s);
+        row("code", u"```\n"_s + u"x"_s.repeated(600'000));
+    }
+    void endlessTexts()
+    {
+        QFETCH(const QString, text);
+        ShownTranscript shown;
+        shown.addUsers(text);
+        shown.addReply(text);
+        shown.show();
+        for (const int message : {0, 1}) {
+            QVERIFY(shown.view.messageText(message).size() < text.size());
+            QVERIFY(!shown.rect(message, MessagePart::notice, 0).isEmpty());
+        }
+        shown.view.press({1, TranscriptButton::copyAnswer, 0});
+        QCOMPARE(shown.desktop.pasteboard, text);
+        shown.desktop.pasteboard.clear();
+        shown.view.selectAll();
+        shown.view.copy();
+        QCOMPARE(shown.desktop.pasteboard, text);
     }
 };
 

@@ -1,5 +1,7 @@
 #include "ui/chat/transcript/CodeLineLayout.h"
 
+#include "platform/text/OutsideText.h"
+
 #include <QPainter>
 #include <QTextOption>
 #include <QtMath>
@@ -30,10 +32,10 @@ CodeLineLayout::CodeLineLayout(QStringView line, const TranscriptStyle &style)
     split();
 }
 
-int CodeLineLayout::columns(QStringView line)
+int CodeLineLayout::columns(QStringView text, int start)
 {
-    int column = 0;
-    for (const QChar c : line)
+    int column = start;
+    for (const QChar c : text)
         column = columnBehind(c, column);
     return column;
 }
@@ -46,11 +48,11 @@ void CodeLineLayout::split()
     }
     int column = 0;
     for (qsizetype i = 0; i < m_line.size(); ++i) {
-        const bool splitsPair = m_line.at(i).isLowSurrogate();
-        if (m_segments.empty() || (i - m_segments.back().start >= segmentSize && !splitsPair))
+        const QChar c = m_line.at(i);
+        if (m_segments.empty() || (i - m_segments.back().start >= segmentSize && !c.isLowSurrogate()))
             m_segments.push_back({i, 0, qRound(column * m_style.codeColumnWidth)});
         ++m_segments.back().length;
-        column = columnBehind(m_line.at(i), column);
+        column = columnBehind(c, column);
     }
 }
 
@@ -67,7 +69,8 @@ QTextLayout &CodeLineLayout::layoutOf(size_t segment)
     if (layout)
         return *layout;
     const Segment &place = m_segments[segment];
-    layout = std::make_unique<QTextLayout>(m_line.sliced(place.start, place.length), m_style.code);
+    layout =
+        std::make_unique<QTextLayout>(withoutPiles(m_line.sliced(place.start, place.length)), m_style.code);
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);
     option.setTextDirection(Qt::LeftToRight);

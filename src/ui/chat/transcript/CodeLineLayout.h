@@ -16,8 +16,9 @@ public:
     // `style` must outlive the layout.
     CodeLineLayout(QStringView line, const TranscriptStyle &style);
 
-    // The width of `line` in columns of a fixed-width font; at least what it takes to show it.
-    static int columns(QStringView line);
+    // The column behind `text` when it begins at `start`, in a fixed-width font; at least what it takes to
+    // show it.
+    static int columns(QStringView text, int start = 0);
 
     int height() const override { return m_style.codeLineHeight; }
     void paint(QPainter &painter, QPoint origin, const QRect &clip, const Selected &selected) override;

@@ -3,6 +3,8 @@
 
 #include <QString>
 
+#include <vector>
+
 struct StyledText;
 
 struct FlowLink
@@ -12,5 +14,6 @@ struct FlowLink
     QString text;  // as it is shown
     QString target;
 
+    static std::vector<FlowLink> all(const StyledText &text, int row);
     static FlowLink of(const StyledText &text, int row, int index);
 };

@@ -28,9 +28,7 @@ const std::vector<FlowLink> &FlowLinks::in(const TextFlow &flow)
         const bool isProse = flow.rows().row(m_seenRows).kind == FlowRows::Kind::prose;
         if (!isProse || !mayHoldLink(flow.rows().line(m_seenRows)))
             continue;
-        const StyledText text = flow.styledText(m_seenRows);
-        for (int index = 0; index < text.links.size(); ++index) {
-            FlowLink link = FlowLink::of(text, m_seenRows, index);
+        for (FlowLink &link : FlowLink::all(flow.styledText(m_seenRows), m_seenRows)) {
             if (!link.text.isEmpty() && ParagraphLayout::isOpenable(link.target))
                 m_links.push_back(std::move(link));
         }

@@ -6,13 +6,29 @@
 
 using LineKind = MarkdownLines::Kind;
 
+namespace {
+
+// Code units, and lines. What is laid out in one turn of the event loop, and what is kept for each line, is
+// bounded by them; no reply and no text that anyone would read comes near.
+constexpr qsizetype longestText = 500'000;
+constexpr size_t mostLines = 50'000;
+constexpr qsizetype longestLine = 4000;
+
+} // namespace
+
+FlowRows::FlowRows(MarkdownLines::Fences fences) : m_lines(fences, {longestLine, mostLines}) {}
+
 int FlowRows::update(QStringView text, qsizetype unchanged)
 {
-    m_text = text;
-    const int first = static_cast<int>(m_lines.update(text, unchanged));
+    m_text = text.first(std::min(text.size(), longestText));
+    const int first = static_cast<int>(m_lines.update(m_text, std::min(unchanged, m_text.size())));
+    m_isCut = m_lines.isCut() || m_text.size() < text.size();
     const int lines = static_cast<int>(m_lines.lines().size());
     if (first == lines)
         return count();
+    const qsizetype measuredTo = m_lines.lines()[static_cast<size_t>(first)].start + m_tail.measured;
+    if (m_tail.row > first || (m_tail.row == first && measuredTo > unchanged))
+        m_tail = {};
     truncate(first);
     for (int line = first; line < lines; ++line)
         append(line);
@@ -63,6 +79,12 @@ QStringView FlowRows::line(int row) const
     return m_text.sliced(line.start, line.length);
 }
 
+bool FlowRows::continues(int row) const
+{
+    const auto &lines = m_lines.lines();
+    return row < static_cast<int>(lines.size()) && lines[static_cast<size_t>(row)].continues;
+}
+
 bool FlowRows::isEmpty(int block) const
 {
     return this->block(block).footer == this->block(block).header + 1;
@@ -88,5 +110,9 @@ int FlowRows::columns(int block)
     measured.measuredTo = settled;
     if (settled == measured.footer || settled == measured.header)
         return measured.columns;
-    return std::max(measured.columns, CodeLineLayout::columns(line(settled)));
+    if (m_tail.row != settled)
+        m_tail = {settled};
+    m_tail.columns = CodeLineLayout::columns(line(settled).sliced(m_tail.measured), m_tail.columns);
+    m_tail.measured = line(settled).size();
+    return std::max(measured.columns, m_tail.columns);
 }

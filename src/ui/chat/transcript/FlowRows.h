@@ -1,6 +1,7 @@
 // The rows in which a text is shown: its lines of prose, and of each code block a header, its lines and a
 // footer. Row and line have the same number; a code block that is still open has a footer behind the last
-// line.
+// line. A line of prose that is too long to be laid out at once takes several rows, and of a text beyond
+// measure the beginning has rows alone.
 #pragma once
 
 #include "core/chat/MarkdownLines.h"
@@ -36,7 +37,7 @@ public:
         int measuredTo = 0;
     };
 
-    explicit FlowRows(MarkdownLines::Fences fences) : m_lines(fences) {}
+    explicit FlowRows(MarkdownLines::Fences fences);
 
     // Goes over to `text`, whose first `unchanged` characters are those of the text before; it must stay
     // where it is until the next update. Returns the first row that may have changed.
@@ -46,6 +47,10 @@ public:
     const Row &row(int index) const { return m_rows[static_cast<size_t>(index)]; }
     // The line of the text that stands in the row; empty for the footer of an open block.
     QStringView line(int row) const;
+    // Whether the row goes on with the line of the row before.
+    bool continues(int row) const;
+    // Whether some of the text has no row.
+    bool isCut() const { return m_isCut; }
 
     int blockCount() const { return static_cast<int>(m_blocks.size()); }
     CodeBlock &block(int index) { return m_blocks[static_cast<size_t>(index)]; }
@@ -58,11 +63,21 @@ public:
     int columns(int block);
 
 private:
+    // The text's last line, which may grow, as far as its width is known.
+    struct Tail
+    {
+        int row = -1;
+        qsizetype measured = 0;
+        int columns = 0;
+    };
+
     void truncate(int rows);
     void append(int line);
 
     MarkdownLines m_lines;
     QStringView m_text;
+    bool m_isCut = false;
+    Tail m_tail;
     std::vector<Row> m_rows;
     std::vector<CodeBlock> m_blocks;
 };

@@ -67,7 +67,7 @@ QString selectedText(const TextFlow &flow, const TextRange &range)
         if (!holdsText(flow.rows().row(row).kind))
             continue;
         if (!isFirst)
-            text += u'\n';
+            text += flow.joint(row);
         isFirst = false;
         text += selectedText(flow, row, range);
     }

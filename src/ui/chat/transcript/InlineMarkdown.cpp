@@ -4,6 +4,8 @@
 
 #include <QStringEncoder>
 
+#include <algorithm>
+
 #include <md4c.h>
 
 namespace {
@@ -145,10 +147,35 @@ QByteArray guarded(QStringView line)
     return encoder(text);
 }
 
+// Whether nothing in the line can mean anything but itself.
+bool isPlain(QStringView line)
+{
+    return std::all_of(line.begin(), line.end(), [](QChar c) {
+        switch (c.unicode()) {
+        case u'*':
+        case u'_':
+        case u'`':
+        case u'~':
+        case u'[':
+        case u']':
+        case u'<':
+        case u'>':
+        case u'!':
+        case u'&':
+        case u'\\':
+            return false;
+        default:
+            return c >= u' ' && !c.isSurrogate();
+        }
+    });
+}
+
 } // namespace
 
 StyledText inlineMarkdown(QStringView line)
 {
+    if (isPlain(line))
+        return {line.toString(), {}, {}};
     MD_PARSER parser = {};
     parser.flags = MD_FLAG_NOHTML | MD_FLAG_STRIKETHROUGH | MD_FLAG_NOINDENTEDCODEBLOCKS;
     parser.enter_block = ignoreBlock;

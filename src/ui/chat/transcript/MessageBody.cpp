@@ -17,9 +17,22 @@ constexpr int gapBelowBubble = 4;
 // A bubble is as narrow as its text when that is not longer than this; otherwise as wide as it may be.
 constexpr qsizetype longText = 1000;
 
+// Code units. More of a text is not even split into reasoning and answer.
+constexpr qsizetype longestText = 1'000'000;
+
 QString tr(const char *text)
 {
     return QCoreApplication::translate("Transcript", text);
+}
+
+QString noticeText()
+{
+    return tr(QT_TRANSLATE_NOOP("Transcript", "Only the beginning of this text is shown."));
+}
+
+QStringView beginning(const QString &text)
+{
+    return QStringView(text).first(std::min(text.size(), longestText));
 }
 
 } // namespace
@@ -46,7 +59,8 @@ std::optional<MessageRow> MessageBody::update(const ChatMessage &message)
         layOut();
         return MessageRow{MessagePart::text, 0};
     }
-    m_reply.update(message.content, message.thinking);
+    m_isLeftOut = std::max(message.content.size(), message.thinking.size()) > longestText;
+    m_reply.update(beginning(message.content), beginning(message.thinking));
     const int reasoningRow = m_reasoning.update(m_reply.reasoning(), m_reply.unchangedReasoning());
     const int textRow = m_text.update(m_reply.answer(), m_reply.unchangedAnswer());
     m_links.forgetFrom(textRow);
@@ -84,6 +98,7 @@ void MessageBody::layOut()
     if (m_facts.isUsers) {
         const int around = 2 * TranscriptStyle::bubblePadding;
         place(MessagePart::text, 0, {m_text.width() + around, m_text.height() + around});
+        placeNotice();
         if (const MessageFooter below = footer(); !below.isEmpty())
             place(MessagePart::footer, gapBelowBubble, below.size());
         return;
@@ -96,10 +111,25 @@ void MessageBody::layOut()
         place(MessagePart::reasoning, gap / 2, {m_reasoning.width() + reasoningInset, m_reasoning.height()});
     if (!m_reply.answer().isEmpty())
         place(MessagePart::text, gap, {m_text.width(), m_text.height()});
-    else if (m_facts.isArriving())
+    placeNotice();
+    if (m_reply.answer().isEmpty() && m_facts.isArriving())
         place(MessagePart::waiting, gap, {m_width, WaitingIndicator::height(m_style)});
     if (!m_facts.isArriving())
         place(MessagePart::footer, gap, footer().size());
+}
+
+bool MessageBody::isCut(MessagePart part) const
+{
+    return m_isLeftOut || flow(part)->rows().isCut();
+}
+
+void MessageBody::placeNotice()
+{
+    const bool isReasoningCut = box(MessagePart::reasoning) && isCut(MessagePart::reasoning);
+    if (!isReasoningCut && !isCut(MessagePart::text))
+        return;
+    const int width = QFontMetrics(m_style.caption).horizontalAdvance(noticeText());
+    place(MessagePart::notice, TranscriptStyle::partGap, {std::min(width, m_width), m_style.captionHeight});
 }
 
 void MessageBody::place(MessagePart part, int gap, QSize size)
@@ -332,6 +362,10 @@ void MessageBody::paintPart(const TranscriptPaint &paint, const Box &box, QPoint
     case MessagePart::reasoning:
     case MessagePart::text:
         return paintFlow(paint, origin, index, box.part);
+    case MessagePart::notice:
+        paint.painter.setFont(m_style.caption);
+        paint.painter.setPen(m_style.secondary);
+        return paint.painter.drawText(rect, Qt::AlignVCenter | Qt::TextSingleLine, noticeText());
     case MessagePart::waiting:
         return WaitingIndicator::paint(paint.painter, rect, waitingText(), paint.spinnerAngle, m_style);
     case MessagePart::footer:

@@ -59,8 +59,8 @@ public:
 
     // What stands beside the text: what is waited for, or how fast the reply came. May be empty.
     QString status() const;
-    // What the button "Copy" copies.
-    QString answer() const { return m_reply.answer().toString(); }
+    // Whether the part does not show the whole of its text.
+    bool isCut(MessagePart part) const;
 
 private:
     struct Box
@@ -71,6 +71,7 @@ private:
 
     void layOut();
     void place(MessagePart part, int gap, QSize size);
+    void placeNotice();
     const Box *box(MessagePart part) const;
     QString waitingText() const;
     QRect linkRect(const TranscriptButton &link) const;
@@ -81,8 +82,9 @@ private:
     const TranscriptStyle &m_style;
     int m_width;
     MessageFacts m_facts;
-    QString m_content;   // the user's
-    ParsedReply m_reply; // or the model's
+    QString m_content;        // the user's
+    ParsedReply m_reply;      // or the model's
+    bool m_isLeftOut = false; // some of it
     TextFlow m_reasoning;
     TextFlow m_text;
     FlowLinks m_links;        // of the text

@@ -14,6 +14,8 @@ public:
 
     const QUuid &id() const { return m_message.id; }
     const MessageFacts &facts() const { return m_facts; }
+    // Without its texts while they are not kept.
+    const ChatMessage &message() const { return m_message; }
 
     // Whether `message` is what the item shows already; told without reading the texts where they are shared.
     bool shows(const ChatMessage &message) const;
@@ -40,7 +42,7 @@ public:
     int height(const TranscriptStyle &style, int width) const;
 
 private:
-    ChatMessage m_message; // without its texts while they are not kept
+    ChatMessage m_message;
     qsizetype m_contentSize = 0;
     qsizetype m_thinkingSize = 0;
     bool m_keepsText = true;

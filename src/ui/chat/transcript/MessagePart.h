@@ -7,7 +7,8 @@ enum class MessagePart
 {
     disclosure,
     reasoning,
-    text, // the user's, or the answer
+    text,   // the user's, or the answer
+    notice, // that some of the text does not show
     waiting,
     footer
 };

@@ -1,6 +1,7 @@
 #include "ui/chat/transcript/TextFlow.h"
 
 #include "core/chat/MarkdownLine.h"
+#include "platform/text/OutsideText.h"
 #include "ui/chat/transcript/CodeLineLayout.h"
 #include "ui/chat/transcript/InlineMarkdown.h"
 
@@ -81,7 +82,7 @@ int TextFlow::naturalWidth(int limit) const
     int width = 0;
     for (int row = 0; row < m_rows.count(); ++row) {
         ParagraphLayout layout({m_font, m_style.codeInline, m_style.link}, limit);
-        layout.setText(styledText(row));
+        layout.setText(laidOutText(row));
         width = std::max(width, layout.naturalWidth());
     }
     return width;
@@ -94,7 +95,7 @@ QRect TextFlow::rowRect(int row) const
 
 int TextFlow::gapAbove(int row) const
 {
-    if (m_form == Form::plain || row == 0)
+    if (m_form == Form::plain || row == 0 || m_rows.continues(row))
         return 0;
     const Kind before = m_rows.row(row - 1).kind;
     switch (m_rows.row(row).kind) {
@@ -181,6 +182,13 @@ TextFlow::Prose TextFlow::prose(int row) const
     if (m_form == Form::plain)
         return {{MarkdownLine::Style::body, 0, line}, 0, 0, m_width};
     Prose prose{MarkdownLine::read(line), 0, 0, 0};
+    if (m_rows.continues(row)) {
+        int first = row;
+        while (m_rows.continues(first))
+            --first;
+        const MarkdownLine beginning = MarkdownLine::read(m_rows.line(first));
+        prose.line = {beginning.style, beginning.inset, withoutBlanks(line)};
+    }
     const int room = std::max(0, m_width - leastWidth);
     prose.inset = static_cast<int>(std::min<qsizetype>(prose.line.inset, room));
     if (prose.line.style == MarkdownLine::Style::bullet)
@@ -194,6 +202,13 @@ StyledText TextFlow::styledText(int row) const
     const Prose prose = this->prose(row);
     return m_form == Form::plain ? StyledText{prose.line.text.toString(), {}, {}}
                                  : inlineMarkdown(prose.line.text);
+}
+
+StyledText TextFlow::laidOutText(int row) const
+{
+    StyledText text = styledText(row);
+    text.text = withoutPiles(text.text);
+    return text;
 }
 
 bool TextFlow::isParagraph(int row) const
@@ -214,7 +229,7 @@ ParagraphLayout *TextFlow::paragraph(int row)
         keepLayout(row, std::make_unique<ParagraphLayout>(style, prose.textWidth));
         layout = static_cast<ParagraphLayout *>(state(row).layout.get());
     }
-    layout->setText(styledText(row));
+    layout->setText(laidOutText(row));
     return layout;
 }
 
@@ -250,7 +265,7 @@ std::optional<QPointF> TextFlow::bulletPlace(int row)
     if (m_form == Form::plain || m_rows.row(row).kind != Kind::prose)
         return std::nullopt;
     const Prose prose = this->prose(row);
-    if (prose.line.style != MarkdownLine::Style::bullet)
+    if (prose.line.style != MarkdownLine::Style::bullet || m_rows.continues(row))
         return std::nullopt;
     ParagraphLayout *const layout = paragraph(row);
     const int x = layout->isRightToLeft() ? prose.textWidth + TranscriptStyle::bulletGap : prose.inset;
@@ -294,7 +309,8 @@ std::vector<QRect> TextFlow::linkRects(int row, int link)
 
 qsizetype TextFlow::prefixLength(int row) const
 {
-    const bool mayHaveBullet = m_form == Form::markdown && m_rows.row(row).kind == Kind::prose;
+    const bool mayHaveBullet =
+        m_form == Form::markdown && m_rows.row(row).kind == Kind::prose && !m_rows.continues(row);
     return mayHaveBullet && prose(row).line.style == MarkdownLine::Style::bullet ? 2 : 0;
 }
 
@@ -312,4 +328,18 @@ QString TextFlow::shownText(int row) const
     QString text = styledText(row).text;
     text.replace(QChar::LineSeparator, u'\n');
     return prefixLength(row) > 0 ? bullet + u' ' + text : text;
+}
+
+QString TextFlow::joint(int row) const
+{
+    if (!m_rows.continues(row))
+        return QString(u'\n');
+    if (m_form == Form::plain)
+        return {};
+    // The blanks at the ends of rows are not shown.
+    const QStringView before = m_rows.line(row - 1);
+    const QStringView line = m_rows.line(row);
+    const qsizetype behind = withoutBlanksInFront(before).size() - withoutBlanks(before).size();
+    const qsizetype inFront = line.size() - withoutBlanksInFront(line).size();
+    return before.last(behind).toString() + line.first(inFront == line.size() ? 0 : inFront).toString();
 }

@@ -68,10 +68,13 @@ public:
     std::optional<FlowLink> linkAt(QPoint point);
     // What the link takes of each line; nothing when there is no such link.
     std::vector<QRect> linkRects(int row, int link);
-    // A row of prose as it is laid out.
+    // A row of prose as it is laid out, but for what would pile up.
     StyledText styledText(int row) const;
     // What the row shows: code verbatim, a bullet item behind its bullet, nothing for what frames the code.
     QString shownText(int row) const;
+    // What stands between the text of the row and that of the row before: a line break, or what a long line
+    // has where it was broken.
+    QString joint(int row) const;
     // How much of shownText() stands in front of the text that positions count in.
     qsizetype prefixLength(int row) const;
 
@@ -85,6 +88,7 @@ private:
     struct Prose;
 
     Prose prose(int row) const;
+    StyledText laidOutText(int row) const;
     bool isParagraph(int row) const;
     int guessedHeight(int row) const;
     int fixedHeight(int row) const;

@@ -51,7 +51,7 @@ void Transcript::press(const TranscriptButton &button)
     case TranscriptButton::openLink:
         return openLink(linkTarget(button));
     case TranscriptButton::copyAnswer:
-        return m_desktop.copyText(body.answer());
+        return m_desktop.copyText(transcript().item(button.message).message().parsed().answer);
     case TranscriptButton::regenerate:
         Q_EMIT regenerateRequested();
         return;

@@ -8,7 +8,18 @@ QString TranscriptState::selectedText()
 {
     if (selection.isEmpty() || selection.message >= layout.count())
         return {};
-    return ::selectedText(*layout.body(selection.message).flow(selection.part), selection.range());
+    const MessageBody &body = layout.body(selection.message);
+    const TextFlow &flow = *body.flow(selection.part);
+    const TextRange range = selection.range();
+    const MessageItem &item = layout.item(selection.message);
+    // What does not show cannot be selected by itself, but belongs to the whole.
+    if (range == wholeText(flow) && body.isCut(selection.part) && item.keepsText()) {
+        const ParsedMessage parsed = item.message().parsed();
+        return selection.part == MessagePart::reasoning ? parsed.thinking
+               : item.facts().isUsers                   ? item.message().content
+                                                        : parsed.answer;
+    }
+    return ::selectedText(flow, range);
 }
 
 void TranscriptState::selectAll()
