@@ -1,6 +1,7 @@
 #include "support/AppOnScreen.h"
 #include "ui/app/SidebarView.h"
 #include "ui/chat/ChatView.h"
+#include "ui/chat/TextZoom.h"
 #include "ui/engine/ServerView.h"
 #include "ui/models/ModelsView.h"
 
@@ -72,6 +73,22 @@ private Q_SLOTS:
         app.press(Qt::Key_N);
         QTRY_COMPARE(shownTab(app), AppTab::models);
         QTRY_VERIFY(app.shows(u"Download a model first, then you can chat with it."_s));
+    }
+
+    void keysZoomTheConversation()
+    {
+        AppOnScreen app;
+        const TextZoom zoom(app.sandbox.defaults());
+        app.press(Qt::Key_Plus);
+        QCOMPARE(zoom.factor(), 1.0);
+        app->setTab(AppTab::chat);
+        for (const Qt::Key key : {Qt::Key_Plus, Qt::Key_Equal, Qt::Key_Minus})
+            app.press(key);
+        QCOMPARE(zoom.factor(), 1.1);
+        app.press(Qt::Key_0);
+        QCOMPARE(zoom.factor(), 1.0);
+        app.sandbox.defaults().set(u"textSize"_s, 300);
+        QVERIFY(!entries(app.window(), u"&View"_s)[u"&Larger Text"_s]->isEnabled());
     }
 
     void oneRowStaysMarked()
