@@ -174,8 +174,9 @@ bool EngineModels::engineRuns() const
 
 void EngineModels::setInstalled(const QList<InstalledModel> &installed)
 {
-    if (std::exchange(m_installed, installed) == installed)
-        return;
+    if (m_installed == installed)
+        return; // and the list stays the same one, by which a view knows at once that it is unchanged
+    m_installed = installed;
     m_installedPlaces.clear();
     for (qsizetype place = m_installed.size() - 1; place >= 0; --place) // the first of a name stays
         m_installedPlaces.insert(ModelCatalog::normalized(m_installed.at(place).name), place);

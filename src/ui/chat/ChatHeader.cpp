@@ -1,16 +1,14 @@
 #include "ui/chat/ChatHeader.h"
 
 #include "core/app/AppState.h"
-#include "platform/text/OutsideText.h"
+#include "ui/chat/ModelPicker.h"
 #include "ui/chat/ModelSettingsView.h"
 #include "ui/widgets/BorderlessButton.h"
-#include "ui/widgets/PlainText.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/Switch.h"
 #include "ui/widgets/SymbolLabel.h"
 #include "ui/widgets/TextLabel.h"
 
-#include <QComboBox>
 #include <QHBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -34,13 +32,11 @@ ChatHeader::ChatHeader(AppState &state, const QUuid &id, QWidget *parent)
     : QWidget(parent),
       m_state(state),
       m_id(id),
-      m_model(new QComboBox),
+      m_model(new ModelPicker),
       m_think(new Switch(tr("Think"))),
       m_inMemory(makeInMemory()),
       m_settings(new BorderlessButton(u"slider.horizontal.3"_s, tr("Settings for this model")))
 {
-    m_model->setMaximumWidth(280);
-    m_model->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     m_model->setAccessibleName(tr("Model"));
     m_think->setToolTip(tr("Let the model reason before it answers"));
     auto *exportButton = new BorderlessButton(u"square.and.arrow.up"_s, tr("Export as Markdown"));
@@ -60,7 +56,7 @@ ChatHeader::ChatHeader(AppState &state, const QUuid &id, QWidget *parent)
     row->addWidget(exportButton);
     row->addWidget(deleteButton);
 
-    connect(m_model, &QComboBox::activated, this, &ChatHeader::chooseModel);
+    connect(m_model, &ModelPicker::chosen, this, &ChatHeader::chooseModel);
     connect(m_think, &Switch::clicked, this, [this](bool think) {
         m_state.chats().mutate(m_id, [think](Conversation &conversation) { conversation.think = think; });
         m_state.chats().commit(m_id);
@@ -93,26 +89,12 @@ void ChatHeader::render()
     const Conversation *conversation = m_state.chats().find(m_id);
     if (!conversation)
         return;
-    renderChoices(ModelChoices::make(m_state.installed(), conversation->model));
+    m_model->showModels(m_state.installed(), conversation->model);
     m_think->setVisible(m_state.capabilities().value(conversation->model).contains("thinking"_L1));
     m_think->setChecked(conversation->think);
     m_inMemory->setVisible(m_state.isLoaded(conversation->model));
     m_settings->setDisabled(conversation->model.isEmpty());
     askForCapabilities(conversation->model);
-}
-
-void ChatHeader::renderChoices(const ModelChoices &choices)
-{
-    if (choices == m_choices && m_model->count() > 0)
-        return;
-    if (choices.entries != m_choices.entries || m_model->count() == 0) {
-        m_model->clear();
-        for (const QString &entry : choices.entries)
-            m_model->addItem(shownLine(entry));
-    }
-    m_choices = choices;
-    m_model->setCurrentIndex(choices.current);
-    m_model->setToolTip(plainToolTip(choices.entries.at(choices.current)));
 }
 
 // Once each time the pane is shown, the model changes or the engine comes up; a request that failed is not
@@ -130,11 +112,8 @@ void ChatHeader::askForCapabilities(const QString &model)
     m_state.loadCapabilities(model);
 }
 
-void ChatHeader::chooseModel(int entry)
+void ChatHeader::chooseModel(const QString &model)
 {
-    if (m_choices.hasExtra && entry == 0)
-        return;
-    const QString model = m_choices.entries.at(entry);
     m_state.chats().mutate(m_id, [&model](Conversation &conversation) { conversation.model = model; });
     m_state.chats().commit(m_id);
 }

@@ -2,14 +2,12 @@
 // the buttons that open the model's settings, export the conversation and delete it.
 #pragma once
 
-#include "ui/chat/ModelChoices.h"
-
 #include <QUuid>
 #include <QWidget>
 
 class AppState;
 class BorderlessButton;
-class QComboBox;
+class ModelPicker;
 class Switch;
 
 class ChatHeader : public QWidget
@@ -24,15 +22,13 @@ protected:
 
 private:
     void render();
-    void renderChoices(const ModelChoices &choices);
     void askForCapabilities(const QString &model);
-    void chooseModel(int entry);
+    void chooseModel(const QString &model);
     void openSettings();
 
     AppState &m_state;
     const QUuid m_id;
-    ModelChoices m_choices;
-    QComboBox *const m_model;
+    ModelPicker *const m_model;
     Switch *const m_think;
     QWidget *const m_inMemory;
     BorderlessButton *const m_settings;

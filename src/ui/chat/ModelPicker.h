@@ -1,0 +1,30 @@
+// Chooses the model of a conversation among those that are installed, however many there are.
+#pragma once
+
+#include "ui/chat/ModelChoices.h"
+
+#include <QComboBox>
+
+class QStringListModel;
+
+class ModelPicker : public QComboBox
+{
+    Q_OBJECT
+
+public:
+    explicit ModelPicker(QWidget *parent = nullptr);
+
+    // Offers the `installed` ones and shows `model`, the conversation's, as the current one.
+    void showModels(const QList<InstalledModel> &installed, const QString &model);
+
+Q_SIGNALS:
+    // By the user.
+    void chosen(const QString &model);
+
+private:
+    QStringListModel *const m_entries;
+    // What the choices were last made of.
+    QList<InstalledModel> m_installed;
+    QString m_shown;
+    ModelChoices m_choices;
+};
