@@ -170,7 +170,7 @@ private:
 
     static Task<> quit(AppState *state)
     {
-        co_await shutDown(state->chats());
+        co_await shutDown(*state);
         QCoreApplication::exit();
     }
 

@@ -91,7 +91,7 @@ Task<> quit(MainWindow *window, SingleInstance *instance, bool *quitting)
     const QWidgetList others = QApplication::topLevelWidgets();
     for (QWidget *other : others)
         other->hide();
-    co_await shutDown(AppState::shared().chats());
+    co_await shutDown(AppState::shared());
     QCoreApplication::exit();
 }
 
@@ -154,9 +154,11 @@ int run(const Profile &profile, const LaunchRequest &launch, SingleInstance &ins
         QObject::connect(&state, &AppState::tabChanged, wish, &QObject::deleteLater);
     }
 
+#ifndef Q_OS_LINUX // where the engine's keeper does it, and gives a pull the time it needs
     // Also where the desktop ends the event loop, as at the end of its session.
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, &window,
                      [] { ChildProcessHolder::shared().terminate(); });
+#endif
 
     if (!defaults->isRead())
         state.setBanner(

@@ -80,6 +80,7 @@ void AppState::dropShared()
 void AppState::wire()
 {
     m_queue.setEngine(&m_engine);
+    m_engine.endPull = [this] { return m_queue.endTransfer(); };
     m_queue.onInstalledChanged = [this] { launch([this] { return refresh(); }); };
     m_queue.onMessage = [this](const QString &message) { setBanner(message); };
 
@@ -112,6 +113,8 @@ Task<> AppState::statusLoop(QPointer<AppState> self, StopToken stop)
         Q_EMIT self->started();
     while (!stop.stopRequested()) {
         co_await sleepFor(self->m_statusPause, stop);
+        if (!stop.stopRequested())
+            co_await self->m_engine.watchAdopted();
         if (!stop.stopRequested())
             co_await self->refresh();
     }

@@ -1,7 +1,6 @@
 #include "core/app/Shutdown.h"
 
-#include "core/chat/ChatStore.h"
-#include "core/engine/ChildProcessHolder.h"
+#include "core/app/AppState.h"
 #include "core/engine/RunProcess.h"
 #include "platform/async/Launch.h"
 
@@ -9,17 +8,18 @@
 
 #include <algorithm>
 
-Task<> shutDown(ChatStore &chats, std::chrono::milliseconds limit)
+Task<> shutDown(AppState &state, std::chrono::milliseconds limit)
 {
     QElapsedTimer clock;
     clock.start();
+    // First, since a pull may have to be ended before, and that takes a task.
+    state.engine().stop();
     beginQuitting();
-    ChildProcessHolder::shared().terminate();
     endShortLivedChildren();
 
     // A reply that is stopped saves what arrived of it, so the saves are waited for behind the tasks.
     co_await allTasksEnded(limit);
     const std::chrono::milliseconds left = limit - std::chrono::milliseconds(clock.elapsed());
     const auto atLeastNothing = std::max(left, std::chrono::milliseconds(0));
-    co_await chats.savesWritten(atLeastNothing);
+    co_await state.chats().savesWritten(atLeastNothing);
 }

@@ -12,7 +12,6 @@
 #include <QFileInfo>
 #include <QPointer>
 
-#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -55,7 +54,8 @@ EngineManager::EngineManager(UserDefaults &defaults, EngineOptions options, QObj
       m_options(std::move(options)),
       m_installer(m_options.installer, m_options.desktop),
       m_port(defaults.integer(portKey)),
-      m_shareOnNetwork(defaults.boolean(shareKey))
+      m_shareOnNetwork(defaults.boolean(shareKey)),
+      m_launched(*m_options.holder)
 {
     if (m_port == 0)
         m_port = defaultPort;
@@ -66,6 +66,9 @@ EngineManager::EngineManager(UserDefaults &defaults, EngineOptions options, QObj
     connect(&m_installer, &EngineInstaller::choiceCheckChanged, this, &EngineManager::choiceCheckChanged);
     connect(&m_installer, &EngineInstaller::installed, this, &EngineManager::takeInstalled);
     connect(&m_installer, &EngineInstaller::chosen, this, &EngineManager::takeChosen);
+    connect(&m_launched, &LaunchedEngines::endedByItself, this, &EngineManager::takeCrash);
+    connect(&m_launched, &LaunchedEngines::wrote, this,
+            [this](const QByteArray &output) { appendLog(QString::fromUtf8(output)); });
 }
 
 EngineManager::~EngineManager()
@@ -120,37 +123,53 @@ Task<> EngineManager::start()
     }
     const StopToken token = beginStart(program);
 
-    if (!m_ending.isEmpty() && !token.stopRequested()) {
-        m_oldEnginesEnded = StopSource(token);
-        const StopToken oldEnginesEnded = m_oldEnginesEnded.token();
-        co_await sleepFor(m_options.endLimit, oldEnginesEnded);
-    }
+    co_await endOldEngines(token);
     if (token.stopRequested())
         co_return;
-
     AppPaths::ensure(AppPaths::modelsDir());
-    if (!portHeldByOldEngine()) {
-        const std::optional<QString> version = co_await answerOn(m_port, token);
-        if (token.stopRequested())
-            co_return;
-        if (version) {
-            setRunning(*version);
-            appendLog(tr("An Ollama server is already answering on port %1; using it.").arg(m_port) + u'\n');
-            co_return;
-        }
-    }
+    const bool adopted = co_await adopt(token);
+    if (adopted || token.stopRequested())
+        co_return;
     if (!AppPaths::portIsFree(m_port)) {
         failForTakenPort();
         co_return;
     }
-    if (!launchEngine(program))
-        co_return;
+    if (launchEngine(program))
+        co_await waitForAnswer(token);
+}
 
+// None of ours is ever adopted: its program may be gone, and what it was told out of date.
+Task<> EngineManager::endOldEngines(StopToken token)
+{
+    retireEngine();
+    setPreviousIsEnding(m_launched.areOldOnesLeft());
+    co_await m_launched.oldOnesEnded(m_options.endLimit, token);
+    if (!token.stopRequested())
+        setPreviousIsEnding(false);
+}
+
+// Whether somebody else's server answers, which is then the one in use.
+Task<bool> EngineManager::adopt(StopToken token)
+{
+    if (m_launched.oldOnesHold(m_port))
+        co_return false;
+    const std::optional<QString> version = co_await answerOn(m_port, token);
+    if (!version || token.stopRequested())
+        co_return false;
+    m_adopted.emplace(m_port);
+    setRunning(*version);
+    appendLog(tr("An Ollama server is already answering on port %1; using it.").arg(m_port) + u'\n');
+    co_return true;
+}
+
+Task<> EngineManager::waitForAnswer(StopToken token)
+{
     for (int attempt = 0; attempt < m_options.attempts; ++attempt) {
         const std::optional<QString> version = co_await answerOn(m_port, token);
         if (token.stopRequested())
             co_return;
         if (version) {
+            m_launched.noteCurrent();
             setRunning(*version);
             co_return;
         }
@@ -166,7 +185,7 @@ StopToken EngineManager::beginStart(const QString &program)
 {
     m_starting = StopSource(quitToken());
     const StopToken token = m_starting.token();
-    ++m_starts;
+    m_launched.mute();
     if (!m_logLines.isEmpty()) {
         m_logLines.clear();
         Q_EMIT logLinesChanged();
@@ -177,35 +196,12 @@ StopToken EngineManager::beginStart(const QString &program)
     return token;
 }
 
-// While one does, whoever answers there is about to be gone.
-bool EngineManager::portHeldByOldEngine() const
-{
-    const auto usesOurPort = [this](const Engine &engine) { return engine.port == m_port; };
-    return std::any_of(m_ending.begin(), m_ending.end(), usesOurPort);
-}
-
 bool EngineManager::launchEngine(const QString &program)
 {
-    const QPointer<EngineManager> self(this);
-    const auto onOutput = [self, start = m_starts](const QByteArray &chunk) {
-        if (self)
-            self->engineWrote(start, chunk);
-    };
-    const auto onEnd = [self, start = m_starts](int) {
-        if (self)
-            self->engineEnded(start);
-    };
     const Environment environment =
         engineEnvironment(systemEnvironment(), m_port, m_shareOnNetwork, AppPaths::modelsDir());
     try {
-        const auto process = ChildProcess::start({program, {u"serve"_s}, environment}, onOutput, onEnd);
-        // One that an installation has left running, and that does not serve here.
-        if (const auto engine = std::exchange(m_current, std::nullopt)) {
-            engine->process->terminate();
-            m_ending.append(*engine);
-        }
-        m_current = Engine{process, m_port, m_starts};
-        m_options.holder->set(process);
+        m_launched.launch({program, {u"serve"_s}, environment}, m_port);
         return true;
     } catch (const Error &error) {
         fail(tr("The engine could not be started: %1").arg(isolated(error.description())));
@@ -213,40 +209,39 @@ bool EngineManager::launchEngine(const QString &program)
     }
 }
 
-// The log belongs to the last start: an engine that was told to stop before it may still have something to
-// say.
-void EngineManager::engineWrote(int start, const QByteArray &chunk)
+void EngineManager::takeCrash()
 {
-    const bool isCurrent = m_current && m_current->start == start;
-    if (isCurrent || m_starts == start)
-        appendLog(QString::fromUtf8(chunk));
-}
-
-void EngineManager::engineEnded(int start)
-{
-    m_ending.removeIf([start](const Engine &engine) { return engine.start == start; });
-    if (m_ending.isEmpty())
-        m_oldEnginesEnded.requestStop();
-    if (!m_current || m_current->start != start)
-        return;
-    m_current.reset();
-    m_options.holder->clear();
     m_starting.requestStop();
     if (mentionsTakenPort(m_logLines))
         failForTakenPort();
     else
-        fail(tr("The engine stopped unexpectedly. See the details below."));
+        failForLostEngine();
+}
+
+void EngineManager::retireEngine()
+{
+    if (m_launched.isOneInUse())
+        m_launched.retire(endPull && endPull());
 }
 
 void EngineManager::stop()
 {
     m_starting.requestStop();
-    // First, so that the coming end is not taken for a crash.
-    if (const auto engine = std::exchange(m_current, std::nullopt))
-        m_ending.append(*engine);
-    m_options.holder->terminate();
+    retireEngine();
     if (!m_enginePath.isEmpty())
         setState({State::stopped, {}});
+}
+
+Task<> EngineManager::watchAdopted()
+{
+    const StopToken token = m_starting.token();
+    if (!m_adopted || token.stopRequested())
+        co_return;
+    const std::optional<QString> version = co_await answerOn(m_adopted->port(), token);
+    if (token.stopRequested() || !m_adopted)
+        co_return;
+    if (m_adopted->isGoneAfter(version.has_value()))
+        failForLostEngine();
 }
 
 Task<> EngineManager::useAnotherPort()
@@ -260,7 +255,7 @@ Task<> EngineManager::useAnotherPort()
     co_await start();
 }
 
-// The engine that runs is not ended, and the next start finds it answering.
+// The engine that runs is not ended before the next start.
 void EngineManager::takeInstalled(const QString &program, const QString &version)
 {
     m_defaults.set(installedByUsKey, program);
@@ -306,8 +301,17 @@ void EngineManager::failForTakenPort()
     fail(tr("Port %1 is already used by another program.").arg(m_port));
 }
 
+void EngineManager::failForLostEngine()
+{
+    fail(tr("The engine stopped unexpectedly. See the details below."));
+}
+
 void EngineManager::setState(const State &state)
 {
+    if (state.kind != State::running)
+        m_adopted.reset();
+    if (state.kind != State::starting)
+        setPreviousIsEnding(false);
     if (m_state == state)
         return;
     m_state = state;
@@ -328,6 +332,12 @@ void EngineManager::setEngineVersion(const QString &version)
         return;
     m_engineVersion = version;
     Q_EMIT engineVersionChanged();
+}
+
+void EngineManager::setPreviousIsEnding(bool ending)
+{
+    if (std::exchange(m_previousIsEnding, ending) != ending)
+        Q_EMIT previousIsEndingChanged();
 }
 
 void EngineManager::setPortConflict(bool conflict)

@@ -1,19 +1,19 @@
 // Owns the engine: finds or installs its program, starts it as a private server, watches it and stops it.
 #pragma once
 
-#include "core/engine/ChildProcess.h"
+#include "core/engine/AdoptedServer.h"
 #include "core/engine/ChildProcessHolder.h"
 #include "core/engine/EngineInstaller.h"
+#include "core/engine/LaunchedEngines.h"
 #include "platform/async/Stop.h"
 #include "platform/async/Task.h"
 
-#include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 
 #include <chrono>
-#include <memory>
+#include <functional>
 #include <optional>
 
 class UserDefaults;
@@ -26,7 +26,8 @@ struct EngineOptions
     // How often a launched engine is asked whether it answers, and the pause after each time it does not.
     int attempts = 120;
     std::chrono::milliseconds pause{500};
-    // How long a start waits for the end of an engine that was told to stop before.
+    // How long a start waits for the end of an engine of this program's that is still there, before it kills
+    // it.
     std::chrono::milliseconds endLimit{10'000};
     // Where the running engine is kept for whoever ends it when the program quits.
     ChildProcessHolder *holder = &ChildProcessHolder::shared();
@@ -71,6 +72,13 @@ public:
     const QString &enginePath() const { return m_enginePath; }
     // Empty until an engine has told.
     const QString &engineVersion() const { return m_engineVersion; }
+    // The start waits for an earlier engine of this program's, which is still ending.
+    bool previousIsEnding() const { return m_previousIsEnding; }
+    // The server in use while it is not this program's, else null. It changes with the state.
+    const AdoptedServer *adoptedServer() const { return m_adopted ? &*m_adopted : nullptr; }
+    // An engine that this program launched has not been told to end, whatever the state says: one that an
+    // installation has left running serves on.
+    bool hasEngine() const { return m_launched.isOneInUse(); }
     // The last lines of the engine's output, oldest first, at most 80.
     const QStringList &logLines() const { return m_logLines; }
     // The last start or run failed because another program uses the port.
@@ -89,12 +97,20 @@ public:
     // The engine program to use, looked for anew; empty when there is none.
     QString locate() const;
 
+    // Called before an engine is asked to end: ends the pull that runs in it, if there is one, and says
+    // whether there was.
+    std::function<bool()> endPull;
+
     // Brings the engine to running, notInstalled or failed. Returns when that is settled or the start was
-    // given up; at once while it is on, and once quitting has begun. Never throws.
+    // given up; at once while it is on, and once quitting has begun. Never throws. An engine of this
+    // program's that is still there is ended first; a server of somebody else's that answers is used.
     Task<> start();
     // Asks the engine that this manager launched to end and does not wait for it. A server that was found
     // already answering is left alone.
     void stop();
+    // Asks a server that is another program's whether it is still there. The state is failed once it was
+    // silent twice in a row. To be called now and then; never throws.
+    Task<> watchAdopted();
     // Moves to the next free port, and starts there.
     Task<> useAnotherPort();
 
@@ -112,6 +128,7 @@ Q_SIGNALS:
     void enginePathChanged();
     void engineVersionChanged();
     void logLinesChanged();
+    void previousIsEndingChanged();
     void portConflictChanged();
     void portChanged();
     void shareOnNetworkChanged();
@@ -120,19 +137,13 @@ Q_SIGNALS:
     void choiceCheckChanged();
 
 private:
-    // An engine that this manager launched.
-    struct Engine
-    {
-        std::shared_ptr<ChildProcess> process;
-        int port = 0;  // it was told to serve on
-        int start = 0; // the number of the start that launched it
-    };
-
     StopToken beginStart(const QString &program);
+    Task<> endOldEngines(StopToken token);
+    Task<bool> adopt(StopToken token);
     bool launchEngine(const QString &program);
-    void engineWrote(int start, const QByteArray &chunk);
-    void engineEnded(int start);
-    bool portHeldByOldEngine() const;
+    Task<> waitForAnswer(StopToken token);
+    void retireEngine();
+    void takeCrash();
 
     void takeInstalled(const QString &program, const QString &version);
     void takeChosen(const QString &program, const QString &version);
@@ -141,9 +152,11 @@ private:
     void setRunning(const QString &version);
     void fail(const QString &message);
     void failForTakenPort();
+    void failForLostEngine();
     void setState(const State &state);
     void setEnginePath(const QString &path);
     void setEngineVersion(const QString &version);
+    void setPreviousIsEnding(bool ending);
     void setPortConflict(bool conflict);
 
     UserDefaults &m_defaults;
@@ -154,13 +167,12 @@ private:
     QString m_enginePath;
     QString m_engineVersion;
     QStringList m_logLines;
+    bool m_previousIsEnding = false;
     bool m_portConflict = false;
     int m_port = 0;
     bool m_shareOnNetwork = false;
 
-    std::optional<Engine> m_current;
-    QList<Engine> m_ending;       // told to stop and still alive
-    int m_starts = 0;             // how many there have been
-    StopSource m_starting;        // of the start under way, or of the last one
-    StopSource m_oldEnginesEnded; // of the pause in which a start waits for m_ending
+    LaunchedEngines m_launched;
+    std::optional<AdoptedServer> m_adopted;
+    StopSource m_starting; // of the start under way, or of the last one
 };

@@ -98,6 +98,13 @@ void DownloadQueue::cancel(const QString &name)
         Q_EMIT itemsChanged();
 }
 
+bool DownloadQueue::endTransfer()
+{
+    if (m_transferring)
+        m_currentTask.requestStop();
+    return m_transferring;
+}
+
 void DownloadQueue::dismiss(const QString &name)
 {
     if (removeAll(ModelCatalog::normalized(name)))
@@ -181,6 +188,7 @@ Task<bool> DownloadQueue::pull(QPointer<DownloadQueue> self, QString id, QString
     std::optional<StallWatch> watch(std::in_place, showStall, self->m_seams.patience);
     bool success = false;
     const OllamaClient client(self->m_engine->port());
+    self->m_transferring = true;
     Stream<PullProgress> stream = client.pull(name, stop);
     while (const auto progress = co_await stream.next()) {
         if (!self || stop.stopRequested())
@@ -222,6 +230,7 @@ void DownloadQueue::succeed(const QString &id)
         onInstalledChanged();
     m_currentID.reset();
     m_currentTask = {};
+    m_transferring = false;
     if (removed)
         Q_EMIT itemsChanged();
     pump();
@@ -231,6 +240,7 @@ void DownloadQueue::finish(const QString &id, const DownloadItem::Phase &phase)
 {
     m_currentID.reset();
     m_currentTask = {};
+    m_transferring = false;
     alter(id, [&phase](DownloadItem &item) {
         item.phase = phase;
         item.speed = 0;

@@ -48,6 +48,8 @@ public:
     // Stops the pull of that model, should it run; its item stays until it has ended. A model that is not
     // being pulled is taken off the list.
     void cancel(const QString &name);
+    // Stops the pull that is talking to the engine, as cancel() does; false when none is.
+    bool endTransfer();
     // Takes the model off the list and leaves its pull, should it run, alone.
     void dismiss(const QString &name);
 
@@ -81,4 +83,5 @@ private:
     QList<DownloadItem> m_items;
     std::optional<QString> m_currentID;
     Job m_currentTask;
+    bool m_transferring = false; // the current one has asked the engine
 };

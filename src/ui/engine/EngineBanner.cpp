@@ -2,6 +2,7 @@
 
 #include "core/app/AppState.h"
 #include "ui/engine/EngineInstallView.h"
+#include "ui/engine/ServerStatus.h"
 #include "ui/widgets/Card.h"
 #include "ui/widgets/FocusKeeper.h"
 #include "ui/widgets/ProminentButton.h"
@@ -19,7 +20,7 @@ EngineBanner::EngineBanner(AppState &state, QWidget *parent)
       m_spinner(new Spinner(16, tr("Starting the local server…"))),
       m_title(new TextLabel(TextStyle::headline)),
       m_failure(new SelectableText(TextStyle::headline)),
-      m_progress(new TextLabel(tr("Starting the local server…"))),
+      m_progress(new TextLabel(TextStyle::body)),
       m_explanation(new TextLabel(tr("Models run through Ollama. One click gets it, no account needed."),
                                   TextStyle::callout, Tint::secondary)),
       m_install(new EngineInstallView(state.engine())),
@@ -51,7 +52,8 @@ EngineBanner::EngineBanner(AppState &state, QWidget *parent)
 
     render();
     auto *scheduler = new RenderScheduler(this, [this] { render(); });
-    scheduler->follow(&m_state.engine(), &EngineManager::stateChanged);
+    scheduler->follow(&m_state.engine(), &EngineManager::stateChanged,
+                      &EngineManager::previousIsEndingChanged);
 }
 
 void EngineBanner::render()
@@ -75,6 +77,8 @@ void EngineBanner::render()
     const bool failed = state.kind == State::failed;
     m_failure->showText(state.message);
     m_failure->setVisible(failed);
+    const QString remark = serverRemark(m_state.engine());
+    m_progress->setText(remark.isEmpty() ? tr("Starting the local server…") : remark);
     m_spinner->setVisible(starting);
     m_progress->setVisible(starting);
     m_title->setVisible(!starting && !failed);

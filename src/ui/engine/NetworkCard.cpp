@@ -54,6 +54,7 @@ void NetworkCard::confirmShare()
 void NetworkCard::setShare(bool share)
 {
     m_engine.setShareOnNetwork(share);
-    if (m_engine.isOn())
+    // Also one that an installation has left running, which goes by the old setting.
+    if (m_engine.isOn() || m_engine.hasEngine())
         restartServer(m_engine);
 }

@@ -19,3 +19,21 @@ ServerStatus serverStatus(EngineManager::State::Kind kind)
     }
     return {QCoreApplication::translate("ServerStatus", "Stopped"), Tint::grey};
 }
+
+QString serverRemark(const EngineManager &engine)
+{
+    if (engine.previousIsEnding())
+        return QCoreApplication::translate("ServerStatus", "The previous engine is still ending…");
+    const AdoptedServer *const server = engine.adoptedServer();
+    if (!server)
+        return {};
+    return server->isAnotherUsers()
+               ? QCoreApplication::translate(
+                     "ServerStatus", "This server belongs to a program of another user. Whether it is "
+                                     "shared on the network, and where its models are kept, is up to "
+                                     "that program.")
+               : QCoreApplication::translate(
+                     "ServerStatus", "This server belongs to another program. Whether it is shared on "
+                                     "the network, and where its models are kept, is up to that "
+                                     "program.");
+}

@@ -13,3 +13,6 @@ struct ServerStatus
 };
 
 ServerStatus serverStatus(EngineManager::State::Kind kind);
+
+// What else there is to say of a server that starts or runs; empty where its state says all.
+QString serverRemark(const EngineManager &engine);

@@ -19,6 +19,7 @@ StatusCard::StatusCard(AppState &state, Desktop &desktop, QWidget *parent)
       m_state(state),
       m_dot(new StatusDot(12)),
       m_status(new TextLabel(TextStyle::headline)),
+      m_remark(new TextLabel(TextStyle::callout, Tint::secondary)),
       m_start(new ProminentButton(tr("Start server"))),
       m_stop(new Button(tr("Stop server"))),
       m_failure(new SelectableText(TextStyle::body, Tint::red)),
@@ -26,6 +27,7 @@ StatusCard::StatusCard(AppState &state, Desktop &desktop, QWidget *parent)
       m_address(new TextLabel(TextStyle::body)),
       m_running(new QWidget)
 {
+    m_remark->setWrapping();
     m_failure->setAccessibleName(tr("Error message"));
     fillAddress(desktop);
     auto *top = new QHBoxLayout;
@@ -37,6 +39,7 @@ StatusCard::StatusCard(AppState &state, Desktop &desktop, QWidget *parent)
     top->addWidget(m_stop);
     addHeading(tr("Status"));
     column()->addLayout(top);
+    column()->addWidget(m_remark);
     column()->addWidget(m_failure);
     column()->addWidget(m_otherPort, 0, Qt::AlignLeading);
     column()->addWidget(m_running);
@@ -49,7 +52,7 @@ StatusCard::StatusCard(AppState &state, Desktop &desktop, QWidget *parent)
     render();
     auto *scheduler = new RenderScheduler(this, [this] { render(); });
     scheduler->follow(&m_state.engine(), &EngineManager::stateChanged, &EngineManager::portChanged,
-                      &EngineManager::portConflictChanged);
+                      &EngineManager::portConflictChanged, &EngineManager::previousIsEndingChanged);
 }
 
 void StatusCard::fillAddress(Desktop &desktop)
@@ -85,6 +88,9 @@ void StatusCard::render()
     m_status->setText(status.text);
     m_start->setVisible(!engine.isOn());
     m_stop->setVisible(engine.isOn());
+    const QString remark = serverRemark(engine);
+    m_remark->setText(remark);
+    m_remark->setVisible(!remark.isEmpty());
     m_failure->showText(state.message);
     m_failure->setVisible(failed);
     m_otherPort->setVisible(failed && engine.portConflict());

@@ -25,6 +25,7 @@ private:
     AppState &m_state;
     StatusDot *const m_dot;
     TextLabel *const m_status;
+    TextLabel *const m_remark;
     ProminentButton *const m_start;
     Button *const m_stop;
     SelectableText *const m_failure;

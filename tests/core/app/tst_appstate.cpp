@@ -58,6 +58,13 @@ private Q_SLOTS:
         QTRY_VERIFY(app->isInstalled(phi));
     }
 
+    void aServerThatGoesAwayIsMissed()
+    {
+        AppUnderTest app(withModels);
+        app.demo.setFaults(u"version:close-early"_s);
+        QTRY_COMPARE(app->engine().state().kind, State::failed);
+    }
+
     void failedPassesKeepTheLists()
     {
         AppUnderTest app(withModels);

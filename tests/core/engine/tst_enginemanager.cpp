@@ -1,15 +1,19 @@
 #include "core/api/OllamaClient.h"
 #include "core/engine/AppPaths.h"
+#include "core/engine/EngineNote.h"
 #include "core/engine/EngineRules.h"
+#include "platform/process/ProcessMark.h"
+#include "support/DemoEngine.h"
 #include "support/EngineUnderTest.h"
 #include "support/InstallerUnderTest.h"
 #include "support/RunningChild.h"
 #include "support/Table.h"
 #include "support/Waiting.h"
 
+#include <QSignalSpy>
 #include <QTcpServer>
 
-#include <csignal>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -156,21 +160,79 @@ private Q_SLOTS:
         QVERIFY(engine.engineId() != first);
     }
 
-    void anEngineThatDoesNotEndKeepsItsPort()
+    // It is told to stop and does not listen, or is left by a program that was killed.
+    void aDeafEngineIsEndedForGood_data()
     {
+        const auto row = table<bool>("isLeft");
+        row("stopped", false);
+        row("left behind", true);
+    }
+    void aDeafEngineIsEndedForGood()
+    {
+        QFETCH(const bool, isLeft);
         qputenv("DEMO_ENGINE_FAULT", "ignore-term");
         EngineOptions options = Sandbox::engineOptions();
         options.endLimit = 50ms;
         EngineUnderTest engine(EngineUnderTest::knownById(), options);
         engine.start();
-        const int stubborn = engine.engineId();
+        const int deaf = engine.engineId();
         engine->stop();
-        engine.start();
-        QCOMPARE(engine->state(), (State{State::failed, taken.arg(engine->port())}));
+        if (isLeft)
+            engine.remake(options);
         qunsetenv("DEMO_ENGINE_FAULT");
-        ::waitFor(engine->useAnotherPort());
-        QCOMPARE(engine.kind(), State::running);
-        ::kill(stubborn, SIGKILL);
+        const QSignalSpy told(engine.get(), &EngineManager::previousIsEndingChanged);
+        engine.start();
+        QCOMPARE(engine->state(), (State{State::running, {}}));
+        QVERIFY(engine.engineId() != deaf && !engine->adoptedServer());
+        QVERIFY(told.size() == 2 && !engine->previousIsEnding());
+    }
+
+    void aNoteThatDoesNotFitHitsNobody()
+    {
+        const Sandbox sandbox;
+        const RunningChild noted(u"while :; do sleep 1; done"_s);
+        const pid_t id = noted.process()->programId();
+        EngineNote().write(id);
+        QFile file(AppPaths::applicationDir() + "/running-engine.json"_L1);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        const QByteArray fitting = file.readAll();
+        const QByteArray birth = ProcessMark::of(id)->birth;
+        const QByteArray number = QByteArray::number(id);
+        const QByteArrayList unfitting{QByteArray(fitting).replace(number, QByteArray::number(::getpid())),
+                                       QByteArray(fitting).replace(birth, birth + '0'),
+                                       QByteArray(fitting).replace(birth, ""),
+                                       QByteArray(fitting).replace("bin/", "bin/not-"),
+                                       fitting.first(fitting.size() / 2),
+                                       {}};
+        for (const QByteArray &note : unfitting) {
+            QVERIFY(note != fitting && file.resize(0) && file.seek(0) && file.write(note) >= 0 &&
+                    file.flush());
+            ::waitFor(EngineNote::endNoted(10ms, {}));
+            QVERIFY2(noted.process()->isRunning(), note.constData());
+        }
+        QVERIFY(file.seek(0) && file.write(fitting) > 0 && file.flush());
+        ::waitFor(EngineNote::endNoted(10ms, {}));
+        QTRY_VERIFY(noted.ended());
+    }
+
+    void aServerOfAnotherProgramIsWatched()
+    {
+        EngineUnderTest engine;
+        std::optional<DemoEngine> other(std::in_place, DemoEngine::quick());
+        engine.sandbox.chooseEngine(*other);
+        engine.remake();
+        engine.start();
+        QVERIFY(engine->adoptedServer() && !engine->adoptedServer()->isAnotherUsers());
+        for (const char *const faults : {"version:status=500", "", "version:close-early"}) {
+            other->setFaults(QString::fromLatin1(faults));
+            ::waitFor(engine->watchAdopted());
+            QCOMPARE(engine.kind(), State::running);
+        }
+        other.reset();
+        ::waitFor(engine->watchAdopted());
+        QCOMPARE(engine->state(), (State{State::failed, crashed}));
+        engine.start();
+        QVERIFY(engine.kind() == State::running && !engine->adoptedServer());
     }
 
     void nothingToStart()
@@ -212,7 +274,8 @@ private Q_SLOTS:
         QCOMPARE(logWith(numbers.first(60), numbers.mid(60).join(u'\n')), numbers.mid(20));
     }
 
-    // What is installed counts at once, but the engine that runs goes on and is still this program's to end.
+    // What is installed counts at once, and is what the next start runs, in the place of the engine that went
+    // on.
     void installsOverARunningEngine()
     {
         ReleaseServer server;
@@ -227,13 +290,11 @@ private Q_SLOTS:
         QCOMPARE(engine.defaults().string(u"ownEnginePath"_s), program);
         QVERIFY(!engine.defaults().string(u"manualEnginePath"_s));
         QVERIFY(engine.kind() == State::stopped && !hasNoChildren());
-        engine.start();
-        QVERIFY(engine.log().endsWith("using it."_L1));
-        engine->stop();
-        QTRY_VERIFY(hasNoChildren());
+        QVERIFY(engine->hasEngine());
         engine.start();
         QCOMPARE(engine->enginePath(), program);
-        QCOMPARE(engine.kind(), State::running);
+        QCOMPARE(engine->state(), (State{State::running, {}}));
+        QVERIFY(!engine->adoptedServer());
         QVERIFY(QFile::exists(AppPaths::engineDir() + "/lib/ollama/cuda/libengine.so"_L1));
     }
 };

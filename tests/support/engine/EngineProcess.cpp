@@ -146,6 +146,7 @@ int serveWith(EngineState &state)
         waitForSignal(signals);
         const FaultSet now(state.faults.all());
         if (!now.has("ignore-term")) {
+            state.store.loseUnwritten();
             std::this_thread::sleep_for(
                 std::chrono::milliseconds(now.number("stop-delay", now.has("stop-delay") ? 3000 : 0)));
             leave(state, relay);

@@ -156,9 +156,42 @@ qint64 ModelStore::partialBytes(const Layer &layer) const
     return std::clamp<qint64>(record.value("Completed"_L1).toInteger(), 0, layer.sizeBytes);
 }
 
+bool ModelStore::canContinue(const Layer &layer) const
+{
+    const std::lock_guard lock(m_mutex);
+    std::error_code ignored;
+    return !fs::exists(partialPath(layer), ignored) || fs::file_size(partialPath(layer), ignored) > 0;
+}
+
+void ModelStore::beginPartial(const Layer &layer)
+{
+    const std::lock_guard lock(m_mutex);
+    m_unwritten.push_back(layer);
+}
+
+void ModelStore::endPartial(const Layer &layer)
+{
+    const std::lock_guard lock(m_mutex);
+    m_unwritten.erase(std::find(m_unwritten.begin(), m_unwritten.end(), layer));
+}
+
+void ModelStore::loseUnwritten()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isLost = true;
+    for (const Layer &layer : m_unwritten) {
+        std::error_code ignored;
+        fs::resize_file(partialPath(layer), 0, ignored);
+        fs::remove(recordPath(layer), ignored);
+    }
+}
+
 void ModelStore::savePartial(const Layer &layer, qint64 completed)
 {
     const std::lock_guard lock(m_mutex);
+    if (m_isLost) {
+        return;
+    }
     makeSparse(partialPath(layer), layer.sizeBytes);
     writeFile(
         recordPath(layer),
@@ -168,6 +201,9 @@ void ModelStore::savePartial(const Layer &layer, qint64 completed)
 void ModelStore::finishLayer(const Layer &layer)
 {
     const std::lock_guard lock(m_mutex);
+    if (m_isLost) {
+        return;
+    }
     std::error_code ignored;
     fs::rename(partialPath(layer), blobPath(layer), ignored);
     makeSparse(blobPath(layer), layer.sizeBytes);

@@ -47,7 +47,15 @@ public:
     bool hasLayer(const Layer &layer) const;
     // Bytes of a layer that an interrupted pull has left; 0 when there is none.
     qint64 partialBytes(const Layer &layer) const;
+    // False when that is an empty file, with which the engine can do nothing.
+    bool canContinue(const Layer &layer) const;
     void savePartial(const Layer &layer, qint64 completed);
+    // From the first to the second call, what is saved of the layer counts as not written down yet.
+    void beginPartial(const Layer &layer);
+    void endPartial(const Layer &layer);
+    // The engine is to end at once: what is not written down is lost, and an empty file left of it. Nothing
+    // is saved any more.
+    void loseUnwritten();
     void finishLayer(const Layer &layer);
     void dropLayer(const Layer &layer);
 
@@ -69,6 +77,8 @@ private:
     std::vector<InstalledModel> readAll() const;
 
     const std::filesystem::path m_folder;
+    std::vector<Layer> m_unwritten;
+    bool m_isLost = false;
     mutable std::mutex m_mutex;
 };
 

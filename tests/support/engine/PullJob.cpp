@@ -4,6 +4,7 @@
 #include "ModelRequest.h"
 
 #include <algorithm>
+#include <thread>
 #include <utility>
 
 namespace demo {
@@ -15,6 +16,7 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 constexpr auto tick = 60ms;
+constexpr auto writingDown = 20ms;
 // What is done before the first report would be due says nothing.
 constexpr qint64 silentBytes = 100'000;
 
@@ -35,6 +37,23 @@ QJsonObject progressLine(const Layer &layer, qint64 completed)
     }
     return line;
 }
+
+// The engine needs some time without its client until what it has of a layer is safe.
+class UnwrittenPartial
+{
+public:
+    UnwrittenPartial(ModelStore &store, const Layer &layer) : m_store(store), m_layer(layer)
+    {
+        m_store.beginPartial(m_layer);
+    }
+    ~UnwrittenPartial() { m_store.endPartial(m_layer); }
+    UnwrittenPartial(const UnwrittenPartial &) = delete;
+    UnwrittenPartial &operator=(const UnwrittenPartial &) = delete;
+
+private:
+    ModelStore &m_store;
+    const Layer &m_layer;
+};
 
 class PullJob
 {
@@ -112,8 +131,16 @@ private:
         if (m_state.store.hasLayer(layer)) {
             return m_writer.write(progressLine(layer, layer.sizeBytes));
         }
-        if (layer.sizeBytes >= silentBytes && !download(layer)) {
+        if (!m_state.store.canContinue(layer)) {
+            m_writer.fail("EOF");
             return false;
+        }
+        if (layer.sizeBytes >= silentBytes) {
+            const UnwrittenPartial partial(m_state.store, layer);
+            if (!download(layer)) {
+                std::this_thread::sleep_for(writingDown);
+                return false;
+            }
         }
         m_state.store.finishLayer(layer);
         return true;

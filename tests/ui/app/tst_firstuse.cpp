@@ -87,7 +87,7 @@ private Q_SLOTS:
         QTest::keyClick(m_app.window(), Qt::Key_Q, Qt::ControlModifier);
         QCOMPARE(quit.size(), 1);
         m_app.window()->close();
-        waitFor(shutDown(m_app->chats()), patience);
+        waitFor(shutDown(*m_app), patience);
         QCOMPARE(runningTasks(), 0);
         m_app.close();
         resumeAfterQuitting();

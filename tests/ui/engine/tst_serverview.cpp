@@ -1,5 +1,6 @@
 #include "core/engine/EngineVersion.h"
 #include "platform/text/OutsideText.h"
+#include "support/AppUnderTest.h"
 #include "support/AppWithItsEngine.h"
 #include "support/FakeDesktop.h"
 #include "support/OnScreen.h"
@@ -95,6 +96,32 @@ private Q_SLOTS:
         QTest::mouseClick(share, Qt::LeftButton);
         QVERIFY(!app->engine().shareOnNetwork() && !share->isChecked());
         QCOMPARE(states.size(), 0);
+    }
+
+    void saysWhoseServerItIs()
+    {
+        AppUnderTest app;
+        ServerView view(*app, app.desktop);
+        view.show();
+        QVERIFY(onscreen::shows(&view, u"This server belongs to another program. Whether it is shared on the "
+                                       "network, and where its models are kept, is up to that program."_s));
+    }
+
+    void saysWhatAStartWaitsFor()
+    {
+        AppWithItsEngine app;
+        qputenv("DEMO_ENGINE_FAULT", "stop-delay=500");
+        app.launch();
+        ServerView view(*app, app.desktop);
+        view.show();
+        QTRY_VERIFY(app.runs());
+        qunsetenv("DEMO_ENGINE_FAULT");
+        app->setServer(false);
+        app->setServer(true);
+        QTRY_VERIFY(onscreen::shows(&view, u"The previous engine is still ending…"_s));
+        QVERIFY(onscreen::shows(&view, u"Starting…"_s));
+        QTRY_VERIFY(onscreen::shows(&view, u"Running"_s));
+        QVERIFY(!onscreen::shows(&view, u"The previous engine is still ending…"_s));
     }
 
     void cardFollowsTheInstallation()

@@ -52,3 +52,8 @@ std::optional<qint64> availableCapacity(const QString &path)
     // Volumes that keep nothing to purge, network ones among them, answer 0 to the question above.
     return capacity(url.get(), kCFURLVolumeAvailableCapacityKey);
 }
+
+std::optional<uid_t> listeningUser(int)
+{
+    return std::nullopt; // the system tells only of one's own programs
+}
