@@ -5,13 +5,16 @@
 
 #include <QString>
 
+// Of a place of one line, also one to write in; code units.
+constexpr int longestLine = 1000;
+
 // `text` for a place of one line: at most `longest` code units and an ellipsis where it was cut, with blanks
 // for line breaks and control characters.
-QString shownLine(const QString &text, qsizetype longest = 1000);
+QString shownLine(const QString &text, qsizetype longest = longestLine);
 
 // `text` for a place of several lines: at most `longest` code units and `mostLines` lines, and an ellipsis
 // where it was cut.
-QString shownLines(const QString &text, qsizetype longest = 1000, int mostLines = 12);
+QString shownLines(const QString &text, qsizetype longest = longestLine, int mostLines = 12);
 
 // `text` as a part of a sentence of ours, whose words it leaves in their order whichever way it reads itself.
 QString isolated(const QString &text);

@@ -43,6 +43,7 @@ ChatPane::ChatPane(AppState &state, Desktop &desktop, TextZoom &zoom, const QUui
     connect(m_transcript, &Transcript::regenerateRequested, this, [this] { m_state.regenerate(m_id); });
     connect(m_transcript, &Transcript::editRequested, this, &ChatPane::edit);
     connect(m_input, &MessageInput::submitted, this, &ChatPane::send);
+    connect(m_input, &MessageInput::refused, this, [this] { refuse(tr("The pasted text is too long.")); });
     connect(m_input, &QPlainTextEdit::textChanged, this, &ChatPane::render);
     connect(m_send, &QPushButton::clicked, this, &ChatPane::send);
     connect(m_stop, &QPushButton::clicked, &m_state, &AppState::stopGenerating);
@@ -139,8 +140,17 @@ void ChatPane::send()
         m_state.setBanner(tr("A reply is still being written in another chat. Send this when it has ended."));
 }
 
+void ChatPane::refuse(const QString &reason)
+{
+    m_state.setBanner(reason + u' ' + FieldText::limits());
+}
+
 void ChatPane::edit()
 {
+    const Conversation *conversation = m_state.chats().find(m_id);
+    if (conversation && !conversation->messages.isEmpty() &&
+        !FieldText::holds(conversation->messages.last().content))
+        return refuse(tr("This message is too long to be edited."));
     const std::optional<QString> draft = m_state.takeLastUserMessage(m_id);
     if (!draft)
         return;

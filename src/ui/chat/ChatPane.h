@@ -34,6 +34,7 @@ private:
     QWidget *makeInputRow();
     void send();
     void edit();
+    void refuse(const QString &reason);
     void scaleText();
 
     AppState &m_state;

@@ -1,6 +1,7 @@
 #include "ui/chat/ChatView.h"
 
 #include "core/app/AppState.h"
+#include "platform/text/OutsideText.h"
 #include "ui/chat/ChatPane.h"
 #include "ui/chat/ConversationListModel.h"
 #include "ui/chat/RenameDialog.h"
@@ -56,6 +57,7 @@ QWidget *ChatView::makeList()
 {
     m_search->setPlaceholderText(tr("Search chats"));
     m_search->setAccessibleName(tr("Search chats"));
+    m_search->setMaxLength(longestLine);
     m_search->setClearButtonEnabled(true);
     m_search->addAction(SymbolIcon::icon(u"magnifyingglass"_s, Tint::secondary), QLineEdit::LeadingPosition)
         ->setText(tr("Search"));

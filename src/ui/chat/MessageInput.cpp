@@ -1,6 +1,5 @@
 #include "ui/chat/MessageInput.h"
 
-#include "ui/chat/LongWords.h"
 #include "ui/widgets/TextStyle.h"
 
 #include <QEvent>
@@ -35,23 +34,13 @@ MessageInput::MessageInput(QWidget *parent) : QPlainTextEdit(parent)
 
 QString MessageInput::draft() const
 {
-    QString text = document()->toRawText();
-    text.replace(QChar::ParagraphSeparator, u'\n');
-    text.replace(QChar::LineSeparator, u'\n');
-    return text;
+    return m_text.text();
 }
 
 void MessageInput::setDraft(const QString &draft)
 {
-    wrapFor(draft);
-    setPlainText(draft);
+    m_text.set(draft);
     moveCursor(QTextCursor::End);
-}
-
-void MessageInput::wrapFor(const QString &text)
-{
-    if (hasLongWord(text))
-        setWordWrapMode(QTextOption::WrapAnywhere);
 }
 
 void MessageInput::insertFromMimeData(const QMimeData *source)
@@ -59,8 +48,15 @@ void MessageInput::insertFromMimeData(const QMimeData *source)
     // What Qt 6.4 would not survive: it looks at the first of the formats.
     if (source->formats().isEmpty())
         return;
-    wrapFor(source->text());
-    QPlainTextEdit::insertFromMimeData(source);
+    if (!m_text.insert(source->text()))
+        Q_EMIT refused();
+}
+
+QMimeData *MessageInput::createMimeDataFromSelection() const
+{
+    auto *data = new QMimeData;
+    data->setText(m_text.selectedText());
+    return data;
 }
 
 void MessageInput::setTextScale(double scale)
@@ -85,9 +81,6 @@ QSize MessageInput::sizeHint() const
 
 void MessageInput::fit()
 {
-    // Not while undoing may bring a long word back.
-    if (document()->isEmpty() && !document()->isUndoAvailable())
-        setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     const bool scrolls = document()->size().height() > mostLines();
     setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
     if (const int height = sizeHint().height(); height != maximumHeight())
@@ -118,8 +111,7 @@ void MessageInput::keyPressEvent(QKeyEvent *event)
         return;
     if (event->modifiers().testFlag(Qt::ShiftModifier)) {
         // A block of its own, where the field would insert a separator within the line.
-        textCursor().insertBlock();
-        ensureCursorVisible();
+        m_text.breakLine();
     } else {
         Q_EMIT submitted();
     }

@@ -2,6 +2,8 @@
 // Return submits, Shift and Return breaks the line, and neither happens while an input method is composing.
 #pragma once
 
+#include "ui/chat/FieldText.h"
+
 #include <QPlainTextEdit>
 
 class MessageInput : public QPlainTextEdit
@@ -24,21 +26,23 @@ public:
 
 Q_SIGNALS:
     void submitted();
+    // What was pasted is more than the field can hold.
+    void refused();
 
 protected:
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
+    QMimeData *createMimeDataFromSelection() const override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
     int mostLines() const;
     void fit();
-    // Called before the text comes into the field.
-    void wrapFor(const QString &text);
 
+    FieldText m_text{*this};
     double m_textScale = 1;
     bool m_composing = false;
 };

@@ -132,6 +132,8 @@ QWidget *ModelSettingsView::makeButtons()
 
 void ModelSettingsView::connectControls()
 {
+    connect(m_prompt, &PromptEditor::refused, this,
+            [this] { m_state.setBanner(tr("The pasted text is too long.") + u' ' + FieldText::limits()); });
     connect(m_prompt, &PromptEditor::edited, this,
             [this](const QString &prompt) { store(&ModelSettings::systemPrompt, prompt); });
     connect(m_temperature, &ContinuousSlider::moved, this,

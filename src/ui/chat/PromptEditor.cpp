@@ -1,6 +1,6 @@
 #include "ui/chat/PromptEditor.h"
 
-#include "ui/chat/LongWords.h"
+#include "platform/text/OutsideText.h"
 #include "ui/widgets/Tint.h"
 
 #include <QKeyEvent>
@@ -30,32 +30,23 @@ void PromptEditor::showPrompt(const QString &prompt)
         return;
     const QSignalBlocker quiet(this);
     const int position = textCursor().position();
-    setWordWrapMode(hasLongWord(prompt) ? QTextOption::WrapAnywhere
-                                        : QTextOption::WrapAtWordBoundaryOrAnywhere);
-    setPlainText(prompt);
+    // What the field cannot hold is not to be edited into what it can.
+    setReadOnly(!FieldText::holds(prompt));
+    m_text.set(isReadOnly() ? shownLines(prompt) : prompt);
     m_prompt = prompt;
-    m_text = text();
+    m_shown = m_text.text();
     QTextCursor cursor = textCursor();
     cursor.setPosition(qMin(position, document()->characterCount() - 1));
     setTextCursor(cursor);
 }
 
-// toPlainText() would turn spaces that do not break into ones that do.
-QString PromptEditor::text() const
-{
-    QString text = document()->toRawText();
-    text.replace(QChar::ParagraphSeparator, u'\n');
-    text.replace(QChar::LineSeparator, u'\n');
-    return text;
-}
-
 // The signal also comes when only the look of the text has changed.
 void PromptEditor::noticeEdit()
 {
-    const QString now = text();
-    if (now == m_text)
+    const QString now = m_text.text();
+    if (now == m_shown)
         return;
-    m_text = now;
+    m_shown = now;
     m_prompt = now;
     Q_EMIT edited(m_prompt);
 }
@@ -81,11 +72,13 @@ void PromptEditor::keyPressEvent(QKeyEvent *event)
 {
     // They belong to the composition, not to the sheet around the field.
     const int key = event->key();
-    if (m_composing && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape)) {
+    const bool isReturn = key == Qt::Key_Return || key == Qt::Key_Enter;
+    if (m_composing && (isReturn || key == Qt::Key_Escape))
         event->accept();
-        return;
-    }
-    QPlainTextEdit::keyPressEvent(event);
+    else if (isReturn && !isReadOnly())
+        m_text.breakLine();
+    else
+        QPlainTextEdit::keyPressEvent(event);
 }
 
 void PromptEditor::insertFromMimeData(const QMimeData *source)
@@ -93,9 +86,15 @@ void PromptEditor::insertFromMimeData(const QMimeData *source)
     // What Qt 6.4 would not survive: it looks at the first of the formats.
     if (source->formats().isEmpty())
         return;
-    if (hasLongWord(source->text()))
-        setWordWrapMode(QTextOption::WrapAnywhere);
-    QPlainTextEdit::insertFromMimeData(source);
+    if (!isReadOnly() && !m_text.insert(source->text()))
+        Q_EMIT refused();
+}
+
+QMimeData *PromptEditor::createMimeDataFromSelection() const
+{
+    auto *data = new QMimeData;
+    data->setText(m_text.selectedText());
+    return data;
 }
 
 void PromptEditor::inputMethodEvent(QInputMethodEvent *event)

@@ -2,6 +2,8 @@
 // then.
 #pragma once
 
+#include "ui/chat/FieldText.h"
+
 #include <QPlainTextEdit>
 
 class PromptEditor : public QPlainTextEdit
@@ -17,19 +19,22 @@ public:
 
 Q_SIGNALS:
     void edited(const QString &prompt);
+    // What was pasted is more than the field can hold.
+    void refused();
 
 protected:
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
+    QMimeData *createMimeDataFromSelection() const override;
 
 private:
-    QString text() const;
     void noticeEdit();
     void drawFrame();
 
     QString m_prompt; // as it was given, or as the user left it
-    QString m_text;   // what the field holds for it, which has no line endings but one
+    QString m_shown;  // what the field holds for it, which has no line endings but one
+    FieldText m_text{*this};
     bool m_composing = false;
 };

@@ -1,19 +1,21 @@
 #include "ui/chat/RenameDialog.h"
 
+#include "platform/text/OutsideText.h"
 #include "ui/widgets/TextLabel.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
 
-RenameDialog::RenameDialog(const QString &title, QWidget *parent)
-    : QDialog(parent), m_title(new QLineEdit(title))
+RenameDialog::RenameDialog(const QString &title, QWidget *parent) : QDialog(parent), m_title(new QLineEdit)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setAccessibleName(tr("Rename chat"));
     m_title->setPlaceholderText(tr("Title"));
     m_title->setAccessibleName(tr("Title"));
     m_title->setFixedWidth(300);
+    m_title->setMaxLength(longestLine);
+    m_title->setText(title);
     m_title->selectAll();
     auto *cancel = new QPushButton(tr("Cancel"));
     cancel->setAutoDefault(false);

@@ -101,6 +101,7 @@ void ModelsView::fillAddSection()
     explanation->setWrapping();
     explanation->setTextInteractionFlags(Qt::TextBrowserInteraction);
     explanation->setOpenExternalLinks(true);
+    m_custom->setMaxLength(longestLine);
     m_custom->setPlaceholderText(tr("Model name, for example gemma3:4b"));
     m_custom->setAccessibleName(tr("Model name"));
 

@@ -4,7 +4,9 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QSignalSpy>
 #include <QTest>
+#include <QTextBlock>
 
 using namespace Qt::StringLiterals;
 
@@ -61,13 +63,53 @@ private Q_SLOTS:
         QGuiApplication::clipboard()->setMimeData(new QMimeData);
         field.paste();
         QCOMPARE(field.draft(), u"Big\u00a0<b>\n"_s);
+    }
 
-        // Whole seconds would pass if such a word were looked through for a place to break it.
-        QGuiApplication::clipboard()->setText(QString(200'000, u'x'));
-        field.paste();
-        QCOMPARE(field.wordWrapMode(), QTextOption::WrapAnywhere);
-        field.clear();
-        QCOMPARE(field.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
+    // However it came into the field, a long line is laid out in parts, and is one line nevertheless.
+    void holdsLongLines()
+    {
+        MessageInput field;
+        const auto paste = [&field](const QString &text) {
+            QGuiApplication::clipboard()->setText(text);
+            field.paste();
+        };
+        const auto longest = [&field] {
+            int length = 0;
+            for (QTextBlock block = field.document()->begin(); block.isValid(); block = block.next())
+                length = std::max(length, block.length());
+            return length;
+        };
+        const QString lines = u"x"_s.repeated(9'000) + u"\n\u05D0\u00a0 "_s.repeated(5'000) + u"\r\nend"_s;
+        const QString expected = QString(lines).replace(u"\r\n"_s, u"\n"_s);
+        paste(lines);
+        QCOMPARE(field.draft(), expected);
+        QVERIFY(longest() <= 2'100);
+        field.selectAll();
+        field.copy();
+        QCOMPARE(QGuiApplication::clipboard()->text(), expected);
+        field.undo();
+        QCOMPARE(field.draft(), QString());
+        field.redo();
+        QCOMPARE(field.draft(), expected);
+        field.setDraft(lines);
+        QCOMPARE(field.draft(), expected);
+
+        QTextCursor cursor = field.textCursor();
+        cursor.setPosition(2'500); // within the second part of the first line
+        field.setTextCursor(cursor);
+        for (int i = 0; i < 100; ++i)
+            paste(u"y"_s.repeated(100));
+        QCOMPARE(field.draft().indexOf(u'\n'), 19'000);
+        QVERIFY(longest() <= 4'100);
+        QTest::keyClick(&field, Qt::Key_Return, Qt::ShiftModifier);
+        QCOMPARE(field.draft().indexOf(u'\n'), field.draft().lastIndexOf(u'y') + 1);
+
+        QSignalSpy refused(&field, &MessageInput::refused);
+        const QString before = field.draft();
+        paste(u"z"_s.repeated(FieldText::mostCharacters));
+        paste(u"\n"_s.repeated(FieldText::mostLines));
+        QCOMPARE(refused.size(), 2);
+        QCOMPARE(field.draft(), before);
     }
 };
 
