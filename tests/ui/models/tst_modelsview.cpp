@@ -81,10 +81,12 @@ private Q_SLOTS:
         QTRY_VERIFY(app.shows(name, u"Unloading"_s) && !onscreen::canClick(app.row(name), u"Unload"_s));
         QCOMPARE(QApplication::focusWidget(), onscreen::find(app.row(name), u"Chat"_s));
         QTRY_VERIFY(onscreen::canClick(app.row(name), u"Unload"_s) && !app.shows(name, u"Unloading"_s));
-        app.setPace(R"({"unloadMs":100})");
+        app.setPace(R"({"unloadMs":200})");
         app.click(name, u"Unload"_s);
-        QTRY_VERIFY(!app.shows(name, u"Loaded in memory"_s));
+        QVERIFY(app->isUnloading(name));
         QTRY_VERIFY(!app->isUnloading(name));
+        QVERIFY(!app->isLoaded(name));
+        QTRY_VERIFY(!app.shows(name, u"Loaded in memory"_s));
         QCOMPARE(app.demo.requests(u"/api/generate"_s).size(), 2);
 
         QPointer<ConfirmationDialog> dialog = app.askToDelete(name);
