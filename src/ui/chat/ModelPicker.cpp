@@ -4,7 +4,9 @@
 #include "ui/widgets/PlainText.h"
 
 #include <QListView>
+#include <QScopedValueRollback>
 #include <QStringListModel>
+#include <QStyleOptionComboBox>
 
 namespace {
 
@@ -46,12 +48,27 @@ void ModelPicker::showModels(const QList<InstalledModel> &installed, const QStri
     m_shown = model;
     const ModelChoices choices = ModelChoices::make(installed, model);
     if (choices.entries != m_choices.entries || count() == 0) {
-        const bool isLong = choices.entries.size() > mostMeasured;
-        setSizeAdjustPolicy(isLong ? AdjustToMinimumContentsLengthWithIcon : AdjustToContents);
-        setMinimumContentsLength(isLong ? widest : 0); // more than there is room for
+        m_isLong = choices.entries.size() > mostMeasured;
+        setSizeAdjustPolicy(m_isLong ? AdjustToMinimumContentsLengthWithIcon : AdjustToContents);
+        setMinimumContentsLength(m_isLong ? widest : 0); // more than there is room for
         m_entries->setStringList(choices.entries);
     }
     m_choices = choices;
     setCurrentIndex(choices.current);
     setToolTip(plainToolTip(choices.entries.at(choices.current)));
+}
+
+void ModelPicker::showPopup()
+{
+    const QScopedValueRollback<bool> opening(m_opens, true);
+    QComboBox::showPopup();
+}
+
+// A list in the style of a menu is measured to its end before it opens; that of a box which can be edited is
+// of ten entries, and scrolls.
+void ModelPicker::initStyleOption(QStyleOptionComboBox *option) const
+{
+    QComboBox::initStyleOption(option);
+    if (m_opens && m_isLong)
+        option->editable = true;
 }

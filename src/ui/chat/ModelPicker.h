@@ -17,9 +17,14 @@ public:
     // Offers the `installed` ones and shows `model`, the conversation's, as the current one.
     void showModels(const QList<InstalledModel> &installed, const QString &model);
 
+    void showPopup() override;
+
 Q_SIGNALS:
     // By the user.
     void chosen(const QString &model);
+
+protected:
+    void initStyleOption(QStyleOptionComboBox *option) const override;
 
 private:
     QStringListModel *const m_entries;
@@ -27,4 +32,6 @@ private:
     QList<InstalledModel> m_installed;
     QString m_shown;
     ModelChoices m_choices;
+    bool m_isLong = false;
+    bool m_opens = false;
 };
