@@ -126,8 +126,8 @@ void requireWritable(QString folder)
     while (!QFileInfo::exists(folder))
         folder = QFileInfo(folder).path();
     if (::access(QFile::encodeName(folder).constData(), W_OK) != 0 && (errno == EROFS || errno == EACCES))
-        throw SimpleError(
-            Sentences::tr("Ollama cannot be installed, since the folder %1 is read-only.").arg(folder));
+        throw SimpleError(Sentences::tr("Ollama cannot be installed, since the folder %1 is read-only.")
+                              .arg(isolated(folder)));
 }
 
 void makeAccessible(const QString &path)

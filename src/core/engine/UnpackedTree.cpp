@@ -2,7 +2,7 @@
 
 #include "core/engine/AppPaths.h"
 #include "platform/error/SystemError.h"
-
+#include "platform/text/OutsideText.h"
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
@@ -49,7 +49,8 @@ bool staysInside(const fs::path &root, const fs::path &link)
 
 QString phrase(const char *text, const fs::path &name)
 {
-    return QCoreApplication::translate("UnpackedTree", text).arg(QString::fromStdString(name.string()));
+    return QCoreApplication::translate("UnpackedTree", text)
+        .arg(isolated(QString::fromStdString(name.string())));
 }
 
 std::optional<QString> objectionTo(const fs::directory_entry &entry, const fs::path &root)

@@ -124,6 +124,7 @@ Card *SettingsView::makeServer()
     auto *label = new TextLabel(tr("Port"));
     label->setBuddy(m_port);
     m_port->setAccessibleName(tr("Port"));
+    m_port->setMaxLength(longestLine);
     m_port->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     m_port->setAlignment(Qt::AlignTrailing);
     connect(m_port, &QLineEdit::editingFinished, this, &SettingsView::commitPort);

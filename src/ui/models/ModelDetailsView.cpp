@@ -19,7 +19,7 @@
 namespace {
 
 // Code units and lines; far beyond any model's, and shown without a wait.
-constexpr qsizetype longestText = 20'000;
+constexpr qsizetype longestText = 8000;
 constexpr int mostLines = 2000;
 constexpr qsizetype mostCapabilities = 100; // there are about five
 
