@@ -23,8 +23,8 @@ using Milliseconds = long long;
 constexpr Milliseconds beforeAsking = 250;
 // From the signal to the end by force.
 constexpr Milliseconds grace = 3000;
-// Between two rounds in which what is left is killed.
-constexpr Milliseconds round = 20;
+// While what is left is being killed.
+constexpr Milliseconds betweenRounds = 20;
 // An owner that lives is not kept waiting by a process that cannot be killed, as one in a driver may be.
 constexpr int mostRounds = 50;
 constexpr Milliseconds never = -1;
@@ -149,7 +149,7 @@ private:
     void clear()
     {
         forEachChildOf(::getpid(), [](pid_t child) { ::kill(child, SIGKILL); });
-        m_deadline = now() + round;
+        m_deadline = now() + betweenRounds;
         if (m_ended)
             ++m_rounds;
     }
