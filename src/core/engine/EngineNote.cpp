@@ -65,8 +65,10 @@ void EngineNote::write(pid_t engine)
                            {programKey, QString::fromLatin1(mark->program.toPercentEncoding("/"))}};
     AppPaths::ensure(AppPaths::applicationDir());
     // Half a note is none, and none outlives the machine's next start, so nothing waits for the disk here.
+    // What else somebody has put there is not opened: a pipe would never let go.
+    QFile::remove(file());
     QFile written(file());
-    if (written.open(QIODevice::WriteOnly))
+    if (written.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         written.write(QJsonDocument(note).toJson());
 }
 
