@@ -7,6 +7,7 @@
 #include "platform/instance/TerminationSignals.h"
 #include "platform/loginitem/LoginItem.h"
 #include "platform/tray/TrayHost.h"
+#include "ui/app/DesktopTies.h"
 #include "ui/app/GuideView.h"
 #include "ui/app/LaunchFailure.h"
 #include "ui/app/MainWindow.h"
@@ -120,6 +121,7 @@ int run(const Profile &profile, const LaunchRequest &launch, SingleInstance &ins
     const std::unique_ptr<TrayHost> trayHost = TrayHost::ofDesktop();
     MainWindow window(state, desktop, *defaults);
     desktop.setMainWindow(&window);
+    const DesktopTies ties(state, desktop);
     StatusItem statusItem(state, desktop, *defaults, *trayHost);
     window.setStaysWhenClosed([&statusItem] { return statusItem.isShown(); });
 

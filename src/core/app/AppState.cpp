@@ -93,6 +93,7 @@ void AppState::wire()
     connect(m_replies.get(), &ReplyGenerator::awaitedModelChanged, this,
             [this] { launch([this] { return tellAwaited(this, m_stop.token()); }); });
     connect(m_replies.get(), &ReplyGenerator::failed, this, &AppState::setBanner);
+    connect(m_replies.get(), &ReplyGenerator::failed, this, &AppState::replyFailed);
     connect(m_replies.get(), &ReplyGenerator::finished, this,
             [this] { launch([this] { return refresh(); }); });
 }

@@ -130,6 +130,8 @@ Q_SIGNALS:
     void capabilitiesChanged();
     void bannerChanged();
     void generatingIDChanged();
+    // Before generatingIDChanged(); `message` is for the user, and has become the banner.
+    void replyFailed(const QString &message);
     // With loadedChanged(), all that isLoadingModel() depends on.
     void awaitedModelChanged();
     void modelSettingsChanged();

@@ -19,7 +19,8 @@ struct DownloadItem
         };
 
         Kind kind = queued;
-        QString message; // why it failed, as the user reads it; empty in every other phase
+        QString message;    // why it failed, as the user reads it; empty in every other phase
+        bool isCut = false; // it failed because the network did, so that the same pull may go on later
 
         bool operator==(const Phase &) const = default;
     };

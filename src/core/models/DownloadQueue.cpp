@@ -2,6 +2,7 @@
 
 #include "core/api/Cancellation.h"
 #include "core/api/Friendly.h"
+#include "core/api/NetworkFailure.h"
 #include "core/api/OllamaClient.h"
 #include "core/engine/AppPaths.h"
 #include "core/engine/EngineManager.h"
@@ -25,9 +26,9 @@ bool runs(const EngineManager *engine)
     return engine && engine->state().kind == EngineManager::State::running;
 }
 
-DownloadItem::Phase failure(const QString &message)
+DownloadItem::Phase failure(const QString &message, bool isCut = false)
 {
-    return {DownloadItem::Phase::failed, message};
+    return {DownloadItem::Phase::failed, message, isCut};
 }
 
 } // namespace
@@ -167,12 +168,13 @@ Task<std::optional<DownloadItem::Phase>> DownloadQueue::attempt(QPointer<Downloa
         const bool success = co_await pull(self, id, name, stop);
         if (success)
             co_return std::nullopt;
-        co_return failure(tr("The download stopped early. Press Resume to continue where it left off."));
+        co_return failure(tr("The download stopped early. Press Resume to continue where it left off."),
+                          true);
     } catch (...) {
         const auto error = std::current_exception();
         if (isCancellation(error))
             co_return DownloadItem::Phase{DownloadItem::Phase::cancelled, {}};
-        co_return failure(Friendly::message(error));
+        co_return failure(Friendly::message(error), isNetworkFailure(error));
     }
 }
 
@@ -225,14 +227,18 @@ void DownloadQueue::alter(const QString &id, const std::function<void(DownloadIt
 
 void DownloadQueue::succeed(const QString &id)
 {
-    const bool removed = removeAll(id);
+    const DownloadItem *const present = item(id);
+    const std::optional<DownloadItem> last = present ? std::optional(*present) : std::nullopt;
+    removeAll(id);
     if (onInstalledChanged)
         onInstalledChanged();
     m_currentID.reset();
     m_currentTask = {};
     m_transferring = false;
-    if (removed)
+    if (last) {
         Q_EMIT itemsChanged();
+        Q_EMIT succeeded(*last);
+    }
     pump();
 }
 
@@ -246,6 +252,11 @@ void DownloadQueue::finish(const QString &id, const DownloadItem::Phase &phase)
         item.speed = 0;
         item.stalled = false;
     });
+    const DownloadItem *const present = item(id);
+    if (present && phase.kind == DownloadItem::Phase::failed) {
+        const DownloadItem last = *present;
+        Q_EMIT failed(last);
+    }
     pump();
 }
 

@@ -63,6 +63,9 @@ public:
 
 Q_SIGNALS:
     void itemsChanged();
+    // A pull has ended in either way; its item as it is now, and as it was last.
+    void failed(const DownloadItem &item);
+    void succeeded(const DownloadItem &item);
 
 private:
     void pump();
