@@ -2,7 +2,9 @@
 
 include(CheckPIESupported)
 check_pie_supported()
-find_program(TARNWICK_LLD NAMES ld.lld-19 ld.lld)
+# The one that belongs to the compiler knows what the compiler writes.
+string(REGEX MATCH "^[0-9]+" compiler_major "${CMAKE_CXX_COMPILER_VERSION}")
+find_program(TARNWICK_LLD NAMES "ld.lld-${compiler_major}" ld.lld)
 mark_as_advanced(TARNWICK_LLD)
 
 add_library(tarnwick_options INTERFACE)
