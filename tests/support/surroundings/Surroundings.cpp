@@ -50,8 +50,9 @@ public:
         set("XDG_CONFIG_DIRS", made("etc"));
         set("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_folder + "/run/bus");
         set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + m_folder + "/run/system-bus");
-        set("QT_QPA_PLATFORM", "offscreen");
-        set("FONTCONFIG_FILE", TARNWICK_TEST_FONTS "/fonts.conf");
+        // Qt's own screen without a display is smaller than the window.
+        set("QT_QPA_PLATFORM", "offscreen:configfile=" TARNWICK_SURROUNDINGS "/screen.json");
+        set("FONTCONFIG_FILE", TARNWICK_SURROUNDINGS "/fonts/fonts.conf");
         set("LC_ALL", "C.UTF-8");
         // Neither the one in which all clocks agree, nor one that a machine may not know by name.
         set("TZ", "<+0530>-5:30");
