@@ -5,7 +5,7 @@
 StallWatch::StallWatch(std::function<void()> onStall, std::chrono::milliseconds patience)
 {
     m_timer.setSingleShot(true);
-    m_timer.callOnTimeout(std::move(onStall));
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, std::move(onStall));
     m_timer.start(patience);
 }
 

@@ -54,9 +54,9 @@ void MessageInput::insertFromMimeData(const QMimeData *source)
 
 QMimeData *MessageInput::createMimeDataFromSelection() const
 {
-    auto *data = new QMimeData;
-    data->setText(m_text.selectedText());
-    return data;
+    auto *mime = new QMimeData;
+    mime->setText(m_text.selectedText());
+    return mime;
 }
 
 void MessageInput::setTextScale(double scale)

@@ -92,9 +92,9 @@ void PromptEditor::insertFromMimeData(const QMimeData *source)
 
 QMimeData *PromptEditor::createMimeDataFromSelection() const
 {
-    auto *data = new QMimeData;
-    data->setText(m_text.selectedText());
-    return data;
+    auto *mime = new QMimeData;
+    mime->setText(m_text.selectedText());
+    return mime;
 }
 
 void PromptEditor::inputMethodEvent(QInputMethodEvent *event)

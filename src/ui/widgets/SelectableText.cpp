@@ -112,12 +112,12 @@ void SelectableText::wheelEvent(QWheelEvent *event)
 
 QMimeData *SelectableText::createMimeDataFromSelection() const
 {
-    auto *data = new QMimeData;
+    auto *mime = new QMimeData;
     QString text = textCursor().selectedText();
     text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
     text.replace(QChar::LineSeparator, QLatin1Char('\n'));
-    data->setText(text);
-    return data;
+    mime->setText(text);
+    return mime;
 }
 
 void SelectableText::applyFont()
