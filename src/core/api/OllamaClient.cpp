@@ -38,7 +38,7 @@ constexpr qint64 lineLimit = 8 * 1024 * 1024;
 
 // A stream is decoded in pieces of so many bytes. Where more is waiting the window gets its turn after so
 // long, however short the lines are.
-constexpr qint64 pieceLimit = 16 * 1024;
+constexpr qint64 pieceLimit = 4 * 1024;
 constexpr auto turnLimit = 4ms;
 
 // Longer texts are decoded in the background.
@@ -141,6 +141,8 @@ Task<> readLines(HttpRequest request, StopToken stop, typename Stream<Record>::S
             break;
         lines.append(bytes);
         while (const std::optional<QByteArrayView> line = lines.next()) {
+            if (line->isEmpty())
+                continue;
             if (line->size() <= briefText)
                 yield<Record>(decode(*line), source);
             else

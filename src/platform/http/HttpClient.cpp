@@ -81,6 +81,14 @@ QString refusal(const HttpRequest &request)
     return {};
 }
 
+std::unique_ptr<QNetworkAccessManager> makeManager()
+{
+    auto manager = std::make_unique<QNetworkAccessManager>();
+    manager->setProxyFactory(new DirectToLoopback);
+    manager->setAutoDeleteReplies(false);
+    return manager;
+}
+
 Task<HttpAnswer> answerOf(HttpTransfer transfer, qint64 bodyLimit)
 {
     HttpAnswer answer;
@@ -102,11 +110,7 @@ HttpClient &HttpClient::shared()
     return *instance;
 }
 
-HttpClient::HttpClient() : m_manager(std::make_unique<QNetworkAccessManager>())
-{
-    m_manager->setProxyFactory(new DirectToLoopback);
-    m_manager->setAutoDeleteReplies(false);
-}
+HttpClient::HttpClient() : m_forLoopback(makeManager()), m_forOthers(makeManager()) {}
 
 HttpClient::~HttpClient() = default;
 
@@ -116,7 +120,8 @@ HttpTransfer HttpClient::start(const HttpRequest &request, const StopToken &stop
     if (const QString reason = refusal(request); !reason.isEmpty()) {
         exchange->fail(TransportError(TransportError::Code::other, reason));
     } else if (!exchange->isOver()) {
-        exchange->run(dispatch(*m_manager, request), request);
+        const bool isHere = isLoopback(request.url.host());
+        exchange->run(dispatch(isHere ? *m_forLoopback : *m_forOthers, request), request);
     }
     return HttpTransfer(exchange);
 }

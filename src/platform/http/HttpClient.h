@@ -36,5 +36,7 @@ public:
 private:
     HttpClient();
 
-    std::unique_ptr<QNetworkAccessManager> m_manager;
+    // Each has a thread of its own, so that no server on this machine can hold up a download from elsewhere.
+    std::unique_ptr<QNetworkAccessManager> m_forLoopback;
+    std::unique_ptr<QNetworkAccessManager> m_forOthers;
 };
