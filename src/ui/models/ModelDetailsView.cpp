@@ -19,8 +19,9 @@
 namespace {
 
 // Code units and lines; far beyond any model's, and shown without a wait.
-constexpr qsizetype longestText = 8000;
-constexpr int mostLines = 2000;
+constexpr qsizetype longestText = 3000;
+constexpr qsizetype longestValue = 200;
+constexpr int mostLines = 200;
 constexpr qsizetype mostCapabilities = 100; // there are about five
 
 // As the user counts characters.
@@ -134,7 +135,7 @@ void ModelDetailsView::addRow(const QString &label, const QString &value)
     name->setWrapping();
     auto *text = new SelectableText(TextStyle::body);
     text->setAccessibleName(label);
-    text->showText(value);
+    text->showText(value, longestValue);
     auto *row = new QHBoxLayout;
     row->setSpacing(8);
     row->addWidget(name, 0, Qt::AlignTop);

@@ -42,6 +42,7 @@ void SelectableText::showText(const QString &text, qsizetype longest, int mostLi
         setPlainText(shown);
     }
     m_text = shown;
+    m_measured.reset();
     updateGeometry();
 }
 
@@ -67,12 +68,15 @@ void SelectableText::setMonospaced()
 
 int SelectableText::heightForWidth(int width) const
 {
+    if (m_measured && m_measured->width == width)
+        return m_measured->height;
     // The text edit lays out anew only when its own width changes, so what it had is put back.
     const double before = document()->textWidth();
     document()->setTextWidth(qMax(width, 1));
     const double height = document()->size().height();
     document()->setTextWidth(before);
-    return static_cast<int>(std::ceil(height));
+    m_measured = Size{.width = width, .height = static_cast<int>(std::ceil(height))};
+    return m_measured->height;
 }
 
 QSize SelectableText::sizeHint() const
@@ -91,6 +95,7 @@ void SelectableText::changeEvent(QEvent *event)
     if (concernsTint(*event))
         tintText(*this, m_tint);
     QTextEdit::changeEvent(event);
+    m_measured.reset();
 }
 
 void SelectableText::focusOutEvent(QFocusEvent *event)

@@ -7,6 +7,8 @@
 
 #include <QTextEdit>
 
+#include <optional>
+
 class SelectableText : public QTextEdit
 {
     Q_OBJECT
@@ -34,8 +36,15 @@ private:
     void append(const QString &text);
     void applyFont();
 
+    struct Size
+    {
+        int width = 0;
+        int height = 0;
+    };
+
     const TextStyle m_style;
     const Tint m_tint;
     bool m_monospaced = false;
     QString m_text;
+    mutable std::optional<Size> m_measured; // as last asked for: layouts ask many times
 };
