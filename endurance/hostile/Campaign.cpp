@@ -4,7 +4,6 @@
 #include "HostileFiles.h"
 #include "HostileText.h"
 #include "WireFaults.h"
-#include "core/chat/ConversationFile.h"
 #include "platform/async/Sleep.h"
 #include "ui/app/MainWindow.h"
 #include "ui/chat/MessageInput.h"
@@ -19,6 +18,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using Kind = EngineManager::State::Kind;
@@ -30,11 +31,6 @@ constexpr auto patience = 1s; // with an answer that may never end
 constexpr auto glance = 2ms;
 constexpr int tasksThatStay = 2; // the state's own loop, and the campaign
 constexpr qsizetype pausesTold = 12;
-
-const QStringList endpoints{u"version"_s, u"tags"_s, u"ps"_s,       u"show"_s,
-                            u"chat"_s,    u"pull"_s, u"generate"_s, u"delete"_s};
-const QStringList wishes{u"send"_s,   u"paste"_s,  u"search"_s, u"rename"_s,
-                         u"banner"_s, u"prompt"_s, u"pull"_s};
 
 bool matches(const QRegularExpression &pattern, const QString &title)
 {
@@ -48,22 +44,13 @@ double milliseconds(PauseWatch::Duration duration)
 
 } // namespace
 
-QString Campaign::Case::title() const
-{
-    static const QMap<Subject, QString> subjects{{Subject::wire, u"wire"_s},
-                                                 {Subject::body, u"answer"_s},
-                                                 {Subject::file, u"file"_s},
-                                                 {Subject::text, u"text"_s}};
-    return subjects.value(subject) + u' ' + (where.isEmpty() ? QString() : where + u' ') + u'/' + name + u'/';
-}
-
 Campaign::Campaign(const Plan &plan) : m_plan(plan), m_random(plan.seed), m_watch(hangs)
 {
     m_sandbox.defaults().set(u"port"_s, m_engine.port());
     m_sandbox.defaults().set(u"manualEnginePath"_s, QString::fromUtf8(TARNWICK_DEMO_ENGINE));
     m_watch.begin(u"launch"_s);
     launch();
-    sayWhatIsKept();
+    m_kept.emplace(m_state->chats(), m_random);
     m_clock.start();
 }
 
@@ -82,22 +69,10 @@ Task<> Campaign::run()
     QCoreApplication::exit(succeeded() ? 0 : 1);
 }
 
-QList<Campaign::Case> Campaign::cases() const
+QList<HostileCase> Campaign::cases() const
 {
-    QList<Case> all;
-    for (const QString &endpoint : endpoints) {
-        for (const QString &name : WireFaults::names())
-            all.append({Subject::wire, endpoint, name});
-        for (const QString &name : HostileBodies::names(endpoint))
-            all.append({Subject::body, endpoint, name});
-    }
-    for (const QString &name : HostileFiles::names())
-        all.append({Subject::file, {}, name});
-    for (const QString &wish : wishes) {
-        for (const QString &name : HostileText::names())
-            all.append({Subject::text, wish, name});
-    }
-    all.removeIf([this](const Case &what) {
+    QList<HostileCase> all = HostileCase::all();
+    all.removeIf([this](const HostileCase &what) {
         const QString title = what.title();
         return !matches(m_plan.only, title) ||
                (!m_plan.without.pattern().isEmpty() && matches(m_plan.without, title));
@@ -107,7 +82,7 @@ QList<Campaign::Case> Campaign::cases() const
 
 Task<> Campaign::carryOut()
 {
-    QList<Case> all = cases();
+    QList<HostileCase> all = cases();
     if (all.isEmpty())
         fault(u"There is no such case."_s);
     // Fonts are loaded when a character first needs them, and that takes what time it takes.
@@ -119,7 +94,7 @@ Task<> Campaign::carryOut()
     while (!isOver() && !all.isEmpty()) {
         std::shuffle(all.begin(), all.end(), m_random);
         for (qsizetype i = 0; i < all.size() && !isOver(); ++i) {
-            const Case what = all[i];
+            const HostileCase what = all[i];
             m_watch.begin(what.title());
             co_await perform(what);
             ++m_performed;
@@ -137,20 +112,20 @@ Task<> Campaign::carryOut()
     checkWhatIsKept();
 }
 
-Task<> Campaign::perform(Case what)
+Task<> Campaign::perform(HostileCase what)
 {
-    if (what.subject == Subject::file) {
+    if (what.subject == HostileCase::file) {
         co_await useFile(what.name);
         co_return;
     }
-    if (what.subject == Subject::text) {
+    if (what.subject == HostileCase::text) {
         co_await useText(what.where, what.name);
         co_return;
     }
     {
         const PauseWatch::Aside aside(m_watch);
         const QString endpoint = what.where;
-        m_engine.set(endpoint, what.subject == Subject::wire
+        m_engine.set(endpoint, what.subject == HostileCase::wire
                                    ? WireFaults::answer(what.name, HostileBodies::sound(endpoint))
                                    : HostileBodies::answer(endpoint, what.name, m_random));
     }
@@ -273,11 +248,10 @@ Task<> Campaign::useFile(QString name)
     co_await restart();
     QList<QUuid> strangers;
     for (const Conversation &conversation : m_state->chats().conversations()) {
-        if (std::ranges::none_of(m_kept,
-                                 [&](const Conversation &kept) { return kept.id == conversation.id; }))
+        if (!m_kept->contains(conversation.id))
             strangers.append(conversation.id);
     }
-    m_state->chats().setSelectedID(strangers.isEmpty() ? m_kept.first().id : strangers.first());
+    m_state->chats().setSelectedID(strangers.isEmpty() ? m_kept->first() : strangers.first());
     co_await isQuiet();
 
     const auto isWritten = [this] { return m_state->chats().pendingSaves() == 0; };
@@ -288,10 +262,7 @@ Task<> Campaign::useFile(QString name)
     const QStringList files =
         QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QString &file : files) {
-        const auto isIt = [&file](const Conversation &kept) {
-            return ConversationFile::name(kept.id) == file;
-        };
-        if (std::ranges::any_of(m_kept, isIt))
+        if (m_kept->containsFile(file))
             continue;
         const QString path = folder + u'/' + file;
         if (!QFile::remove(path) && !QDir().rmdir(path))
@@ -348,7 +319,7 @@ Task<> Campaign::useText(QString where, QString name)
 Task<> Campaign::open()
 {
     m_state->setTab(AppTab::chat);
-    m_state->chats().setSelectedID(m_kept.first().id);
+    m_state->chats().setSelectedID(m_kept->first());
     co_await isQuiet();
 }
 
@@ -385,35 +356,11 @@ void Campaign::launch()
     m_window->show();
 }
 
-void Campaign::sayWhatIsKept()
-{
-    for (int i = 0; i < 3; ++i) {
-        const QUuid id = m_state->chats().newConversation(u"sound:latest"_s).id;
-        m_state->chats().mutate(id, [this](Conversation &conversation) {
-            for (const QString &role : {u"user"_s, u"assistant"_s})
-                conversation.messages.append(ChatMessage::make(role, HostileText::mixture(m_random, 300)));
-            conversation.messages.last().content += HostileText::sample();
-        });
-        m_state->chats().rename(id, u"kept %1"_s.arg(i));
-        m_state->chats().setSelectedID(id);
-        m_kept.append(*m_state->chats().conversation(id));
-    }
-}
-
 void Campaign::checkWhatIsKept()
 {
-    for (const Conversation &kept : m_kept) {
-        QFile file(m_sandbox.path(u"chats/"_s + ConversationFile::name(kept.id)));
-        const auto stored =
-            file.open(QIODevice::ReadOnly) ? ConversationFile::decode(file.readAll()) : std::nullopt;
-        const auto isSame = [](const ChatMessage &a, const ChatMessage &b) {
-            return a.id == b.id && a.content == b.content;
-        };
-        const Conversation *const shown = m_state->chats().find(kept.id);
-        if (!stored || !shown || !std::ranges::equal(stored->messages, kept.messages, isSame) ||
-            !std::ranges::equal(shown->messages, kept.messages, isSame))
-            fault(u"A conversation has changed: "_s + kept.title);
-    }
+    const QStringList faults = m_kept->compare(m_state->chats(), m_sandbox.path(u"chats"_s));
+    for (const QString &text : faults)
+        fault(text);
 }
 
 void Campaign::judge()
@@ -421,6 +368,9 @@ void Campaign::judge()
     const QMap<QString, PauseWatch::Duration> &pauses = m_watch.pauses();
     QStringList longest = pauses.keys();
     std::ranges::sort(longest, [&](const QString &a, const QString &b) { return pauses[a] > pauses[b]; });
+    rusage used{};
+    ::getrusage(RUSAGE_SELF, &used);
+    std::printf("at most %ld MiB resident\n", used.ru_maxrss / 1024);
     std::printf("%d cases; the longest pauses of the main thread, in processor time:\n", m_performed);
     for (const QString &what : longest.first(std::min(longest.size(), pausesTold)))
         std::printf("%8.1f ms  %s\n", milliseconds(pauses[what]), qUtf8Printable(what));

@@ -3,7 +3,9 @@
 // after each whether what was said before is still there.
 #pragma once
 
+#include "HostileCase.h"
 #include "HostileServer.h"
+#include "KeptChats.h"
 #include "PauseWatch.h"
 #include "core/app/AppState.h"
 #include "platform/async/Task.h"
@@ -45,24 +47,9 @@ public:
     bool succeeded() const { return m_done && m_faults == 0; }
 
 private:
-    enum class Subject
-    {
-        wire,
-        body,
-        file,
-        text
-    };
-    struct Case
-    {
-        Subject subject;
-        QString where; // an endpoint, or what is done with a text
-        QString name;
-        QString title() const;
-    };
-
-    QList<Case> cases() const;
+    QList<HostileCase> cases() const;
     Task<> carryOut();
-    Task<> perform(Case what);
+    Task<> perform(HostileCase what);
     Task<> askEngine(QString endpoint);
     Task<> restart();
     Task<> chat();
@@ -75,7 +62,6 @@ private:
     Task<> until(std::function<bool()> condition, std::chrono::milliseconds limit);
 
     void launch();
-    void sayWhatIsKept();
     void checkWhatIsKept();
     void judge();
     void fault(const QString &text);
@@ -88,7 +74,7 @@ private:
     FakeDesktop m_desktop;
     std::optional<AppState> m_state;
     std::unique_ptr<MainWindow> m_window;
-    QList<Conversation> m_kept; // no case touches these
+    std::optional<KeptChats> m_kept;
     QElapsedTimer m_clock;
     QString m_before; // the case before
     int m_models = 0; // asked about

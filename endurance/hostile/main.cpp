@@ -22,6 +22,7 @@ int main(int argc, char **argv)
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
 
