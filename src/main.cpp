@@ -2,11 +2,13 @@
 #include "core/app/Shutdown.h"
 #include "core/engine/AppPaths.h"
 #include "core/engine/ChildProcessHolder.h"
+#include "platform/appearance/AppearanceSource.h"
 #include "platform/defaults/UserDefaults.h"
 #include "platform/instance/SingleInstance.h"
 #include "platform/instance/TerminationSignals.h"
 #include "platform/loginitem/LoginItem.h"
 #include "platform/tray/TrayHost.h"
+#include "ui/app/Appearance.h"
 #include "ui/app/DesktopTies.h"
 #include "ui/app/GuideView.h"
 #include "ui/app/LaunchFailure.h"
@@ -15,7 +17,6 @@
 #include "ui/app/SettingsView.h"
 #include "ui/app/StatusItem.h"
 #include "ui/app/Translations.h"
-#include "ui/widgets/PlaceholderColor.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -204,7 +205,8 @@ int main(int argc, char **argv)
     QGuiApplication::setWindowIcon(QIcon(u":/icon.svg"_s));
     // Quitting takes a turn or two of the event loop, so the last window going must not end it.
     QApplication::setQuitOnLastWindowClosed(false);
-    keepPlaceholdersLegible();
+    const std::unique_ptr<AppearanceSource> wishes = AppearanceSource::ofDesktop();
+    const Appearance appearance(*wishes);
 
     const CommandLine commandLine = readCommandLine();
     const LaunchRequest launch{commandLine.wish, activation};

@@ -17,7 +17,7 @@ QString numberSymbol(int number)
 GuideStep::GuideStep(int number, const QString &title, QWidget *parent)
     : Card(parent),
       m_number(number),
-      m_mark(new SymbolLabel(numberSymbol(number), TextStyle::title, Tint::accent)),
+      m_mark(new SymbolLabel(numberSymbol(number), TextStyle::title, Tint::accentInk)),
       m_content(new QVBoxLayout)
 {
     setRadius(12);
@@ -37,6 +37,6 @@ GuideStep::GuideStep(int number, const QString &title, QWidget *parent)
 void GuideStep::setDone(bool done)
 {
     m_mark->setSymbol(done ? u"checkmark.circle.fill"_s : numberSymbol(m_number),
-                      done ? Tint::green : Tint::accent);
+                      done ? Tint::green : Tint::accentInk);
     m_mark->setAccessibleName(done ? tr("Step %1, done").arg(m_number) : tr("Step %1").arg(m_number));
 }

@@ -1,6 +1,7 @@
 #include "ui/chat/PromptEditor.h"
 
 #include "platform/text/OutsideText.h"
+#include "ui/widgets/Contrast.h"
 #include "ui/widgets/Tint.h"
 
 #include <QKeyEvent>
@@ -63,7 +64,9 @@ void PromptEditor::drawFrame()
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(tintColor(Tint::secondary, palette(), 0.4));
+    const QColor ground = palette().color(QPalette::Base);
+    painter.setPen(
+        legible(painted(tintColor(Tint::secondary, palette(), 0.4), ground), ground, graphicContrast));
     painter.setBrush(palette().base());
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
 }

@@ -4,6 +4,8 @@
 #include <QEvent>
 #include <QPointer>
 
+#include <utility>
+
 AppearanceWatch &AppearanceWatch::shared()
 {
     static QPointer<AppearanceWatch> watch;
@@ -15,6 +17,12 @@ AppearanceWatch &AppearanceWatch::shared()
 AppearanceWatch::AppearanceWatch(QObject *application) : QObject(application)
 {
     application->installEventFilter(this);
+}
+
+void AppearanceWatch::setMotionReduced(bool reduced)
+{
+    if (std::exchange(m_motionReduced, reduced) != reduced)
+        Q_EMIT motionChanged();
 }
 
 bool AppearanceWatch::eventFilter(QObject *watched, QEvent *event)

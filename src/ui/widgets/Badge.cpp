@@ -2,7 +2,7 @@
 
 #include <QPainter>
 
-Badge::Badge(QWidget *parent) : TextLabel(TextStyle::caption, Tint::grey, parent)
+Badge::Badge(QWidget *parent) : TextLabel(TextStyle::caption, Tint::text, parent)
 {
     setBold();
     setContentsMargins(8, 2, 8, 2);

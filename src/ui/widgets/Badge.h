@@ -16,5 +16,5 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Tint m_tint = Tint::grey;
+    Tint m_tint = Tint::text;
 };

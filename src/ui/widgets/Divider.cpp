@@ -14,5 +14,6 @@ Divider::Divider(Qt::Orientation orientation, QWidget *parent) : QWidget(parent)
 
 void Divider::paintEvent(QPaintEvent *)
 {
-    QPainter(this).fillRect(rect(), tintColor(Tint::text, palette(), 0.15));
+    const double opacity = isHighContrast(palette()) ? 0.6 : 0.15;
+    QPainter(this).fillRect(rect(), tintColor(Tint::text, palette(), opacity));
 }

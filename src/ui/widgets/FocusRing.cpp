@@ -49,6 +49,6 @@ void FocusRing::paintEvent(QPaintEvent *)
     constexpr double radius = 6;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(tintColor(Tint::accent, palette()), 2));
+    painter.setPen(QPen(tintColor(Tint::accentInk, palette()), 2));
     painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius, radius);
 }

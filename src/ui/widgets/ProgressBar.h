@@ -1,4 +1,5 @@
-// A thin bar that says how far something is, and moves while nobody knows.
+// A thin bar that says how far something is; while nobody knows it moves, or stays empty where motion is to
+// be reduced.
 #pragma once
 
 #include <QProgressBar>
@@ -15,4 +16,9 @@ public:
 
     // From 0 to 1; absent while nobody knows.
     void showFraction(std::optional<double> fraction);
+
+private:
+    void render();
+
+    std::optional<double> m_fraction;
 };

@@ -1,5 +1,6 @@
 #include "ui/widgets/Spinner.h"
 
+#include "ui/widgets/AppearanceWatch.h"
 #include "ui/widgets/Tint.h"
 
 #include <QPainter>
@@ -13,17 +14,26 @@ Spinner::Spinner(int diameter, const QString &name, QWidget *parent) : Graphic(p
         m_angle = (m_angle + 18) % 360;
         update();
     });
+    connect(&AppearanceWatch::shared(), &AppearanceWatch::motionChanged, this, &Spinner::turnOrRest);
+}
+
+void Spinner::turnOrRest()
+{
+    if (isVisible() && !AppearanceWatch::shared().isMotionReduced())
+        m_timer.start();
+    else
+        m_timer.stop();
 }
 
 void Spinner::showEvent(QShowEvent *event)
 {
-    m_timer.start();
+    turnOrRest();
     QWidget::showEvent(event);
 }
 
 void Spinner::hideEvent(QHideEvent *event)
 {
-    m_timer.stop();
+    turnOrRest();
     QWidget::hideEvent(event);
 }
 

@@ -1,4 +1,5 @@
-// A small turning ring: something is under way and nobody knows for how long.
+// A small turning ring: something is under way and nobody knows for how long. It rests where motion is to be
+// reduced.
 #pragma once
 
 #include "ui/widgets/Graphic.h"
@@ -19,6 +20,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void turnOrRest();
+
     QTimer m_timer;
     int m_angle = 0; // degrees
 };

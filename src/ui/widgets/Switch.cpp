@@ -62,12 +62,12 @@ void Switch::paintEvent(QPaintEvent *)
     const double radius = track.height() / 2;
 
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
-        painter.setPen(QPen(tintColor(Tint::accent, colors, 0.6), 2));
+        painter.setPen(QPen(tintColor(Tint::accentInk, colors), 2));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(track.adjusted(-1, -1, 1, 1), radius + 1, radius + 1);
     }
     painter.setPen(Qt::NoPen);
-    painter.setBrush(isChecked() ? tintColor(Tint::accent, colors) : tintColor(Tint::text, colors, 0.28));
+    painter.setBrush(isChecked() ? tintColor(Tint::accentInk, colors) : tintColor(Tint::text, colors, 0.28));
     painter.drawRoundedRect(track, radius, radius);
 
     QRectF knob = track.adjusted(knobInset, knobInset, -knobInset, -knobInset);

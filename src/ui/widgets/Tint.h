@@ -1,4 +1,5 @@
-// The few colours the windows use beyond the palette's own, each fitted to a light or a dark palette.
+// The few colours the windows use beyond the palette's own, each fitted to a light or a dark palette and
+// legible on every ground that the windows have.
 #pragma once
 
 #include <QColor>
@@ -10,10 +11,11 @@ class QWidget;
 enum class Tint
 {
     text,
-    secondary, // the text colour at 60 %
-    accent,    // the palette's highlight
+    secondary, // the text colour at 60 %, or all of it where more contrast is wished for
+    accent,    // the palette's highlight, to write on
     onAccent,  // what is written on the accent
-    grey,
+    accentInk, // the accent where it is a symbol or a ring itself
+    grey,      // of symbols alone, as is yellow
     green,
     orange,
     red,
@@ -21,6 +23,8 @@ enum class Tint
 };
 
 bool isDark(const QPalette &palette);
+// A palette says so by having no fainter colour even for hints in empty fields.
+bool isHighContrast(const QPalette &palette);
 
 QColor tintColor(Tint tint, const QPalette &palette);
 // The same colour at `opacity`, from 0 to 1.

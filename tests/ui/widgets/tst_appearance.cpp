@@ -1,7 +1,11 @@
+#include "platform/appearance/AppearanceSource.h"
 #include "platform/text/OutsideText.h"
 #include "support/Table.h"
+#include "ui/app/Appearance.h"
+#include "ui/widgets/AppearanceWatch.h"
+#include "ui/widgets/Contrast.h"
 #include "ui/widgets/ElidedLabel.h"
-#include "ui/widgets/PlaceholderColor.h"
+#include "ui/widgets/Palettes.h"
 #include "ui/widgets/SelectableText.h"
 #include "ui/widgets/SymbolIcon.h"
 #include "ui/widgets/TextLabel.h"
@@ -77,17 +81,51 @@ private Q_SLOTS:
         }
     }
 
-    void placeholdersFollowTheText()
+    void palettes_data()
     {
-        QPalette wrong;
-        wrong.setColor(QPalette::PlaceholderText, Qt::red);
-        QApplication::setPalette(wrong);
-        QColor expected = QApplication::palette().color(QPalette::Text);
-        expected.setAlpha(128);
-        keepPlaceholdersLegible();
-        QCOMPARE(QApplication::palette().color(QPalette::PlaceholderText), expected);
-        QApplication::setPalette(wrong);
-        QCOMPARE(QApplication::palette().color(QPalette::PlaceholderText), expected);
+        using Scheme = AppearanceWishes::Scheme;
+        const auto row = table<AppearanceWishes, bool, bool>("wishes", "isThemeDark", "isDark");
+        row("no wish", {}, false, false);
+        row("no wish, dark theme", {}, true, true);
+        row("dark, light theme", {.scheme = Scheme::dark}, false, true);
+        row("dark theme already", {.scheme = Scheme::dark}, true, true);
+        row("light, dark theme", {.scheme = Scheme::light}, true, false);
+        row("contrast", {.moreContrast = true}, false, false);
+        row("contrast, dark theme", {.moreContrast = true}, true, true);
+        row("faint accent", {.accent = 0xfffff0a0}, false, false);
+        row("dark accent on dark", {.scheme = Scheme::dark, .accent = 0xff101040}, false, true);
+    }
+
+    void palettes()
+    {
+        QFETCH(const AppearanceWishes, wishes);
+        QFETCH(const bool, isThemeDark);
+        QPalette theme(isThemeDark ? QColor(0x31, 0x36, 0x3b) : QColor(0xef, 0xf0, 0xf1));
+        theme.setColor(QPalette::PlaceholderText, Qt::red);
+        const QPalette palette = paletteFor(wishes, theme);
+        QTEST(isDark(palette), "isDark");
+        QCOMPARE(isHighContrast(palette), wishes.moreContrast);
+        const auto contrast = [&palette](QPalette::ColorRole ink, QPalette::ColorRole ground) {
+            return contrastRatio(palette.color(ink), palette.color(ground));
+        };
+        QVERIFY(contrast(QPalette::PlaceholderText, QPalette::Base) >= textContrast);
+        QVERIFY(contrast(QPalette::Link, QPalette::Base) >= textContrast);
+        QVERIFY(contrast(QPalette::HighlightedText, QPalette::Highlight) >= textContrast);
+        QVERIFY(contrast(QPalette::WindowText, QPalette::Window) >= (wishes.moreContrast ? 15 : 7));
+        QCOMPARE(paletteFor(wishes, palette), palette);
+    }
+
+    // The theme's colours come back where the wishes go.
+    void followsTheWishes()
+    {
+        AppearanceSource source;
+        const Appearance appearance(source);
+        const QPalette before = QApplication::palette();
+        source.setWishes({.scheme = AppearanceWishes::Scheme::dark, .lessMotion = true});
+        QVERIFY(isDark(QApplication::palette()) && AppearanceWatch::shared().isMotionReduced());
+        source.setWishes({});
+        QCOMPARE(QApplication::palette(), before);
+        QVERIFY(!AppearanceWatch::shared().isMotionReduced());
     }
 
     void textSizesFollowTheFont()

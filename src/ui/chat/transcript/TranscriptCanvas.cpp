@@ -1,6 +1,7 @@
 #include "ui/chat/transcript/TranscriptCanvas.h"
 
 #include "ui/chat/transcript/RepaintPlan.h"
+#include "ui/widgets/AppearanceWatch.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -172,7 +173,7 @@ void TranscriptCanvas::updateSpinner()
     const bool waits = std::any_of(rows.begin(), rows.end(), [](const VisibleRow &row) {
         return row.address.row.part == MessagePart::waiting;
     });
-    if (!waits || !isVisible())
+    if (!waits || !isVisible() || AppearanceWatch::shared().isMotionReduced())
         m_spinner.stop();
     else if (!m_spinner.isActive())
         m_spinner.start(spinnerInterval, this);

@@ -40,7 +40,7 @@ TranscriptStyle::TranscriptStyle(const QPalette &palette, double scale)
       secondary(tintColor(Tint::secondary, palette)),
       link(palette.color(QPalette::Link)),
       bubble(tintColor(Tint::accent, palette, 0.2)),
-      focus(tintColor(Tint::accent, palette)),
+      focus(tintColor(Tint::accentInk, palette)),
       bodyLineHeight(QFontMetrics(body).lineSpacing()),
       bodyCharacterWidth(QFontMetricsF(body).averageCharWidth()),
       codeLineHeight(QFontMetrics(code).lineSpacing()),

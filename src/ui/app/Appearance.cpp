@@ -1,0 +1,29 @@
+#include "ui/app/Appearance.h"
+
+#include "platform/appearance/AppearanceSource.h"
+#include "ui/widgets/AppearanceWatch.h"
+#include "ui/widgets/Palettes.h"
+
+#include <QApplication>
+#include <QScopedValueRollback>
+
+Appearance::Appearance(const AppearanceSource &source) : m_source(source)
+{
+    connect(&source, &AppearanceSource::wishesChanged, this, &Appearance::apply);
+    connect(&AppearanceWatch::shared(), &AppearanceWatch::paletteChanged, this, &Appearance::apply);
+    apply();
+}
+
+void Appearance::apply()
+{
+    if (m_applying)
+        return;
+    const QScopedValueRollback applying(m_applying, true);
+    // What lies below a palette of ours cannot be asked for. Nothing is painted before this function returns.
+    QApplication::setPalette(QPalette());
+    const QPalette theme = QApplication::palette();
+    const QPalette palette = paletteFor(m_source.wishes(), theme);
+    if (palette != theme)
+        QApplication::setPalette(palette);
+    AppearanceWatch::shared().setMotionReduced(m_source.wishes().lessMotion);
+}
