@@ -16,6 +16,10 @@ public:
     // The desktop's own. Where it has to be asked for, the answer comes in a later turn of the event loop.
     static std::unique_ptr<TrayHost> ofDesktop();
 
+    // To be called before an item is shown: where a desktop has places of several kinds, all items go to one
+    // of the kind that the first one finds.
+    virtual void settle() {}
+
     bool isPresent() const { return m_present; }
     void setPresent(bool present);
 

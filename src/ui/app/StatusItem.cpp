@@ -41,13 +41,14 @@ void StatusItem::render()
     m_switch->setEnabled(engine.isOn() || !engine.enginePath().isEmpty());
 }
 
-// Qt's tray must not be asked before the desktop has one: it remembers a first no for good.
+// Qt's tray must not be asked before the desktop has one: it remembers its first answer for good.
 void StatusItem::place()
 {
     const bool wanted = m_host.isPresent() && m_defaults.boolean(u"showMenuBar"_s);
     if (wanted == (m_icon != nullptr))
         return;
     if (wanted) {
+        m_host.settle();
         QIcon icon = SymbolIcon::icon(u"cpu"_s);
         icon.setIsMask(true); // in the menu bar's colour, on macOS
         m_icon = std::make_unique<QSystemTrayIcon>(icon);

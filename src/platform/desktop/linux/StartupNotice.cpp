@@ -1,23 +1,16 @@
 #include "platform/desktop/StartupNotice.h"
 
+#include "platform/desktop/linux/XcbAtom.h"
+
 #include <QGuiApplication>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
-
-#include <xcb/xcb.h>
 
 // By the standards "Startup notification" and "Extended window manager hints" of freedesktop.org. Qt does
 // this for the launch that it was itself started by and for no other.
 
 namespace {
-
-struct Free
-{
-    void operator()(void *memory) const { std::free(memory); }
-};
 
 class Server
 {
@@ -67,13 +60,7 @@ public:
     }
 
 private:
-    xcb_atom_t atom(const QByteArray &name) const
-    {
-        const auto cookie = xcb_intern_atom(m_connection, 0, uint16_t(name.size()), name.constData());
-        const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(
-            xcb_intern_atom_reply(m_connection, cookie, nullptr));
-        return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
-    }
+    xcb_atom_t atom(const QByteArray &name) const { return xcbAtom(m_connection, name); }
 
     void send(const xcb_client_message_event_t &event, uint32_t mask) const
     {

@@ -8,6 +8,7 @@
 #include <QDBusVariant>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -17,6 +18,19 @@ const QString path = u"/StatusNotifierWatcher"_s;
 } // namespace
 
 SessionTray::SessionTray(QObject *parent) : TrayHost(parent)
+{
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(2s);
+    connect(&m_patience, &QTimer::timeout, this, [this] {
+        m_isPatient = false;
+        update();
+    });
+    connect(&m_older, &XEmbedTray::presentChanged, this, &SessionTray::update);
+    watchBus();
+    update();
+}
+
+void SessionTray::watchBus()
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
@@ -39,8 +53,28 @@ void SessionTray::ask()
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         const QDBusPendingReply<QDBusVariant> reply = *answer;
         answer->deleteLater();
-        setPresent(reply.isValid() && reply.value().variant().toBool());
+        m_hasHost = reply.isValid() && reply.value().variant().toBool();
+        update();
     });
+}
+
+void SessionTray::settle()
+{
+    if (m_kind == Kind::open)
+        m_kind = m_hasHost ? Kind::onTheBus : Kind::onTheScreen;
+}
+
+void SessionTray::update()
+{
+    const bool isOlderAlone = m_older.isPresent() && !m_hasHost;
+    if (!isOlderAlone)
+        m_patience.stop();
+    else if (m_isPatient && !m_patience.isActive())
+        m_patience.start();
+    if (m_kind == Kind::open)
+        setPresent(m_hasHost || (isOlderAlone && !m_isPatient));
+    else
+        setPresent(m_kind == Kind::onTheBus ? m_hasHost : m_older.isPresent());
 }
 
 std::unique_ptr<TrayHost> TrayHost::ofDesktop()
