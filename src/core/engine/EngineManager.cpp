@@ -3,6 +3,7 @@
 #include "core/api/OllamaClient.h"
 #include "core/engine/AppPaths.h"
 #include "core/engine/EngineRules.h"
+#include "platform/async/Completion.h"
 #include "platform/async/Launch.h"
 #include "platform/async/Sleep.h"
 #include "platform/defaults/UserDefaults.h"
@@ -74,6 +75,7 @@ EngineManager::EngineManager(UserDefaults &defaults, EngineOptions options, QObj
 EngineManager::~EngineManager()
 {
     m_starting.requestStop();
+    m_settled.requestStop();
 }
 
 QString EngineManager::address() const
@@ -114,8 +116,21 @@ QString EngineManager::locate() const
 
 Task<> EngineManager::start()
 {
-    if (isOn() || quitToken().stopRequested())
-        co_return;
+    if (m_state.kind == State::starting)
+        co_await startSettled();
+    else if (m_state.kind != State::running && !quitToken().stopRequested())
+        co_await startAnew();
+}
+
+Task<> EngineManager::startSettled()
+{
+    const Completion<> settled;
+    const StopCallback told(m_settled.token(), [settled] { settled.complete(); });
+    co_await settled.wait();
+}
+
+Task<> EngineManager::startAnew()
+{
     const QString program = m_enginePath.isEmpty() ? locate() : m_enginePath;
     if (program.isEmpty()) {
         setState({State::notInstalled, {}});
@@ -184,6 +199,7 @@ Task<> EngineManager::waitForAnswer(StopToken token)
 StopToken EngineManager::beginStart(const QString &program)
 {
     m_starting = StopSource(quitToken());
+    m_settled = StopSource(quitToken());
     const StopToken token = m_starting.token();
     m_launched.mute();
     if (!m_logLines.isEmpty()) {
@@ -315,6 +331,8 @@ void EngineManager::setState(const State &state)
     if (m_state == state)
         return;
     m_state = state;
+    if (state.kind != State::starting)
+        m_settled.requestStop();
     Q_EMIT stateChanged();
 }
 

@@ -102,8 +102,9 @@ public:
     std::function<bool()> endPull;
 
     // Brings the engine to running, notInstalled or failed. Returns when that is settled or the start was
-    // given up; at once while it is on, and once quitting has begun. Never throws. An engine of this
-    // program's that is still there is ended first; a server of somebody else's that answers is used.
+    // given up, also when another call has begun it; at once while the engine runs, and once quitting has
+    // begun. Never throws. An engine of this program's that is still there is ended first; a server of
+    // somebody else's that answers is used.
     Task<> start();
     // Asks the engine that this manager launched to end and does not wait for it. A server that was found
     // already answering is left alone.
@@ -138,6 +139,8 @@ Q_SIGNALS:
 
 private:
     StopToken beginStart(const QString &program);
+    Task<> startAnew();
+    Task<> startSettled();
     Task<> endOldEngines(StopToken token);
     Task<bool> adopt(StopToken token);
     bool launchEngine(const QString &program);
@@ -175,4 +178,5 @@ private:
     LaunchedEngines m_launched;
     std::optional<AdoptedServer> m_adopted;
     StopSource m_starting; // of the start under way, or of the last one
+    StopSource m_settled;  // asks once the state is no longer starting
 };
