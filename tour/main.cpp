@@ -5,10 +5,11 @@
 #include "ReplyTeller.h"
 #include "core/models/Fmt.h"
 #include "core/models/ModelCatalog.h"
+#include "platform/appearance/AppearanceSource.h"
 #include "support/NoLoginItem.h"
+#include "ui/app/Appearance.h"
 #include "ui/app/SettingsView.h"
 #include "ui/app/Translations.h"
-#include "ui/widgets/PlaceholderColor.h"
 
 #include <QApplication>
 
@@ -149,7 +150,8 @@ int main(int argc, char **argv)
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     const Translations words{QLocale(QLocale::English)};
-    keepPlaceholdersLegible();
+    const std::unique_ptr<AppearanceSource> wishes = AppearanceSource::ofDesktop();
+    const Appearance appearance(*wishes);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 2) {
         std::fputs("usage: tarnwick-tour FOLDER\n", stderr);
