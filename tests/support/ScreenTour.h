@@ -37,7 +37,7 @@ public:
             launchWithoutEngine();
         else
             launch();
-        AppState &state = m_bare ? **m_bare : **m_app;
+        AppState &state = this->state();
         if (m_screen.startsWith(QLatin1String("models")))
             state.setTab(AppTab::models);
         if (m_screen.startsWith(QLatin1String("chat")))
@@ -60,6 +60,7 @@ public:
         return m_bare ? *m_bareWindow : *m_app->window();
     }
     bool isMainWindow() const { return !m_above; }
+    AppState &state() { return m_bare ? **m_bare : **m_app; }
 
     // Makes the window above anew, if there is one.
     void openAbove()

@@ -12,6 +12,7 @@
 #include "ui/engine/ServerRestart.h"
 #include "ui/widgets/Button.h"
 #include "ui/widgets/Card.h"
+#include "ui/widgets/LineEdit.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/ScrollPage.h"
 #include "ui/widgets/SelectableText.h"
@@ -20,7 +21,6 @@
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QShortcut>
 
 using namespace Qt::StringLiterals;
@@ -53,7 +53,7 @@ SettingsView::SettingsView(AppState &state, Desktop &desktop, UserDefaults &defa
       m_defaults(defaults),
       m_loginItem(loginItem),
       m_size(new TextLabel(TextStyle::body, Tint::secondary)),
-      m_port(new QLineEdit),
+      m_port(new LineEdit),
       m_restart(new Button(tr("Restart server"))),
       m_login(new Switch(tr("Launch at login"))),
       m_loginFailure(new SelectableText(TextStyle::caption, Tint::red)),

@@ -8,6 +8,7 @@
 #include "ui/chat/TextZoom.h"
 #include "ui/widgets/BorderlessButton.h"
 #include "ui/widgets/Divider.h"
+#include "ui/widgets/LineEdit.h"
 #include "ui/widgets/ProminentButton.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/RowListView.h"
@@ -16,7 +17,6 @@
 #include "ui/widgets/TextLabel.h"
 
 #include <QHBoxLayout>
-#include <QLineEdit>
 #include <QMenu>
 #include <QScopedValueRollback>
 
@@ -28,7 +28,7 @@ ChatView::ChatView(AppState &state, Desktop &desktop, UserDefaults &defaults, QW
       m_desktop(desktop),
       m_zoom(new TextZoom(defaults, this)),
       m_model(new ConversationListModel(state.chats(), this)),
-      m_search(new QLineEdit),
+      m_search(new LineEdit),
       m_list(new RowListView),
       m_placeholder(makePlaceholder())
 {

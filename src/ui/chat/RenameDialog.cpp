@@ -1,13 +1,13 @@
 #include "ui/chat/RenameDialog.h"
 
 #include "platform/text/OutsideText.h"
+#include "ui/widgets/LineEdit.h"
 #include "ui/widgets/TextLabel.h"
 
 #include <QHBoxLayout>
-#include <QLineEdit>
 #include <QPushButton>
 
-RenameDialog::RenameDialog(const QString &title, QWidget *parent) : QDialog(parent), m_title(new QLineEdit)
+RenameDialog::RenameDialog(const QString &title, QWidget *parent) : QDialog(parent), m_title(new LineEdit)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setAccessibleName(tr("Rename chat"));

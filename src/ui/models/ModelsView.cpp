@@ -12,12 +12,11 @@
 #include "ui/widgets/Card.h"
 #include "ui/widgets/ConfirmationDialog.h"
 #include "ui/widgets/LazyColumn.h"
+#include "ui/widgets/LineEdit.h"
 #include "ui/widgets/ProminentButton.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/SymbolLabel.h"
 #include "ui/widgets/TextLabel.h"
-
-#include <QLineEdit>
 
 using namespace Qt::StringLiterals;
 
@@ -28,7 +27,7 @@ ModelsView::ModelsView(AppState &state, QWidget *parent)
       m_otherColumn(new LazyColumn(
           *this, 8, [this](const QString &name) { return makeRow(name, std::nullopt, false); })),
       m_add(new Card),
-      m_custom(new QLineEdit),
+      m_custom(new LineEdit),
       m_download(new ProminentButton(tr("Download")))
 {
     column()->setSpacing(0);

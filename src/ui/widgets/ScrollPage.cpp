@@ -1,9 +1,12 @@
 #include "ui/widgets/ScrollPage.h"
 
+#include "ui/widgets/ScrollAreaAccessible.h"
+
 #include <QScrollBar>
 
 ScrollPage::ScrollPage(QWidget *parent) : QScrollArea(parent)
 {
+    ScrollAreaAccessible::install();
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ui/chat/transcript/TranscriptButton.h"
+#include "ui/widgets/AccessibleText.h"
 
 #include <QAccessible>
 #include <QPointer>
@@ -10,7 +11,7 @@
 
 class Transcript;
 
-class MessageAccessible : public QAccessibleInterface, public QAccessibleTextInterface
+class MessageAccessible : public QAccessibleInterface, public AccessibleText
 {
 public:
     MessageAccessible(Transcript *transcript, int index);
