@@ -1,6 +1,7 @@
 #include "ui/app/BannerView.h"
 
 #include "core/app/AppState.h"
+#include "ui/widgets/Announcer.h"
 #include "ui/widgets/BorderlessButton.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/SelectableText.h"
@@ -12,10 +13,15 @@
 using namespace Qt::StringLiterals;
 
 BannerView::BannerView(AppState &state, QWidget *parent)
-    : QWidget(parent), m_state(state), m_row(new QWidget), m_message(new SelectableText(TextStyle::callout))
+    : QWidget(parent),
+      m_state(state),
+      m_row(new QWidget),
+      m_message(new SelectableText(TextStyle::callout)),
+      m_announcer(new Announcer(this))
 {
-    m_message->setAccessibleName(tr("Message"));
+    m_message->setAccessibleName(tr("Notice"));
     auto *dismiss = new BorderlessButton(tr("Dismiss"), TextStyle::body);
+    dismiss->setAccessibleDescription(m_message->accessibleName());
     auto *row = new QHBoxLayout(m_row);
     row->setContentsMargins(8, 8, 8, 8);
     row->setSpacing(8);
@@ -39,6 +45,8 @@ void BannerView::render()
 {
     m_message->showText(m_state.banner().value_or(QString()));
     m_row->setVisible(m_state.banner().has_value());
+    if (m_state.banner())
+        m_announcer->announce(m_message->toPlainText());
 }
 
 void BannerView::paintEvent(QPaintEvent *)

@@ -3,6 +3,7 @@
 
 #include <QWidget>
 
+class Announcer;
 class AppState;
 class SelectableText;
 
@@ -22,4 +23,5 @@ private:
     AppState &m_state;
     QWidget *const m_row;
     SelectableText *const m_message;
+    Announcer *const m_announcer;
 };

@@ -1,5 +1,6 @@
 #include "ui/app/ContentView.h"
 
+#include "core/app/Announcement.h"
 #include "core/app/AppState.h"
 #include "platform/defaults/UserDefaults.h"
 #include "ui/app/BannerView.h"
@@ -8,6 +9,7 @@
 #include "ui/chat/ChatView.h"
 #include "ui/engine/ServerView.h"
 #include "ui/models/ModelsView.h"
+#include "ui/widgets/Announcer.h"
 #include "ui/widgets/Divider.h"
 #include "ui/widgets/RenderScheduler.h"
 
@@ -45,10 +47,22 @@ ContentView::ContentView(AppState &state, Desktop &desktop, UserDefaults &defaul
         column->addWidget(m_guide, 1);
     column->addWidget(m_tabs, 1);
 
+    announcePulls();
     render();
     auto *scheduler = new RenderScheduler(this, [this] { render(); });
     scheduler->follow(&m_state, &AppState::tabChanged);
     scheduler->follow(&m_defaults, &UserDefaults::changed);
+}
+
+void ContentView::announcePulls()
+{
+    auto *announcer = new Announcer(this);
+    const auto announce = [announcer](const DownloadItem &item) {
+        const Notification end = Announcement::ofPull(item);
+        announcer->announce(tr("%1. %2").arg(end.title, end.body));
+    };
+    connect(&m_state.queue(), &DownloadQueue::succeeded, announcer, announce);
+    connect(&m_state.queue(), &DownloadQueue::failed, announcer, announce);
 }
 
 void ContentView::render()

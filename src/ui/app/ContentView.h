@@ -23,6 +23,7 @@ public:
 
 private:
     void render();
+    void announcePulls();
 
     AppState &m_state;
     UserDefaults &m_defaults;

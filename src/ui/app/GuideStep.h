@@ -19,6 +19,7 @@ public:
 
 private:
     const int m_number;
+    const QString m_title;
     SymbolLabel *const m_mark;
     QVBoxLayout *const m_content;
 };

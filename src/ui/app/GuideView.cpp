@@ -53,6 +53,17 @@ bool GuideView::isDone(const UserDefaults &defaults)
     return defaults.boolean(doneKey);
 }
 
+// The keyboard begins at what is to be done next rather than in the toolbar.
+void GuideView::showEvent(QShowEvent *event)
+{
+    ScrollPage::showEvent(event);
+    for (QWidget *next = nextInFocusChain(); next != this; next = next->nextInFocusChain()) {
+        if (isAncestorOf(next) && next->isVisibleTo(this) && next->isEnabled() &&
+            (next->focusPolicy() & Qt::TabFocus))
+            return next->setFocus();
+    }
+}
+
 void GuideView::fillEngineStep()
 {
     m_engineReady->setWrapping();

@@ -24,6 +24,9 @@ public:
     // The user has finished the guide or skipped it, now or before.
     static bool isDone(const UserDefaults &defaults);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     void fillEngineStep();
     void fillModelStep();

@@ -38,6 +38,8 @@ ChatHeader::ChatHeader(AppState &state, const QUuid &id, QWidget *parent)
       m_settings(new BorderlessButton(u"slider.horizontal.3"_s, tr("Settings for this model")))
 {
     m_model->setAccessibleName(tr("Model"));
+    // On Linux a box's name is what it shows.
+    m_model->setAccessibleDescription(tr("The model of this chat"));
     m_think->setToolTip(tr("Let the model reason before it answers"));
     auto *exportButton = new BorderlessButton(u"square.and.arrow.up"_s, tr("Export as Markdown"));
     auto *deleteButton = new BorderlessButton(u"trash"_s, tr("Delete this chat"));

@@ -5,13 +5,13 @@
 #include "ui/chat/MessageInput.h"
 #include "ui/chat/TextZoom.h"
 #include "ui/chat/transcript/Transcript.h"
+#include "ui/widgets/Announcer.h"
 #include "ui/widgets/Divider.h"
 #include "ui/widgets/ProminentButton.h"
 #include "ui/widgets/RenderScheduler.h"
 #include "ui/widgets/SymbolIcon.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QShortcut>
 
 using namespace Qt::StringLiterals;
@@ -26,11 +26,8 @@ ChatPane::ChatPane(AppState &state, Desktop &desktop, TextZoom &zoom, const QUui
       m_send(new ProminentButton(tr("Send"))),
       m_stop(new ProminentButton(tr("Stop"))),
       m_escape(new QShortcut(Qt::Key_Escape, this)),
-      m_announcement(new QLabel(this))
+      m_announcer(new Announcer(this))
 {
-    // Seen by screen readers alone, which say the name whenever it changes.
-    m_announcement->setFixedSize(1, 1);
-
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -124,9 +121,8 @@ void ChatPane::render()
     if (buttonFocused && !m_send->hasFocus() && !m_stop->hasFocus())
         (generating ? static_cast<QWidget *>(m_stop) : m_input)->setFocus();
     m_escape->setEnabled(generating);
-    const QString announcement = generating ? tr("A reply is being written") : tr("The reply has ended");
-    if (generating || !m_announcement->accessibleName().isEmpty())
-        m_announcement->setAccessibleName(announcement);
+    if (std::exchange(m_wasGenerating, generating) != generating)
+        m_announcer->announce(generating ? tr("A reply is being written") : tr("The reply has ended"));
 }
 
 void ChatPane::send()

@@ -5,11 +5,11 @@
 #include <QUuid>
 #include <QWidget>
 
+class Announcer;
 class AppState;
 class Desktop;
 class MessageInput;
 class ProminentButton;
-class QLabel;
 class QShortcut;
 class TextZoom;
 class Transcript;
@@ -45,5 +45,6 @@ private:
     ProminentButton *const m_send;
     ProminentButton *const m_stop;
     QShortcut *const m_escape;
-    QLabel *const m_announcement;
+    Announcer *const m_announcer;
+    bool m_wasGenerating = false;
 };

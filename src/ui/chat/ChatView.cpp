@@ -101,6 +101,14 @@ QWidget *ChatView::makePlaceholder()
     return part;
 }
 
+// Before the first time Qt would give the focus to the search.
+void ChatView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (m_pane && !focusWidget())
+        m_pane->focusInput();
+}
+
 void ChatView::startSearch()
 {
     m_search->setFocus(Qt::ShortcutFocusReason);
@@ -140,7 +148,7 @@ void ChatView::renderPane()
     m_pane->setDraft(m_drafts.take(*selected));
     static_cast<QHBoxLayout *>(layout())->addWidget(m_pane, 1);
     // Whoever goes through the list with the keyboard stays there.
-    if (isVisible() && !m_list->hasFocus() && !m_search->hasFocus())
+    if (isVisible() && !m_list->hasFocus())
         m_pane->focusInput();
 }
 

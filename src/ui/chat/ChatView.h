@@ -27,6 +27,9 @@ public:
     // Puts the focus into the search field.
     void startSearch();
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     void render();
     void renderPane();

@@ -1,6 +1,10 @@
 #include "support/ScreenTour.h"
+#include "ui/app/GuideView.h"
+#include "ui/chat/MessageInput.h"
+#include "ui/widgets/Announcer.h"
 
 #include <QAccessible>
+#include <QLineEdit>
 
 #include <climits>
 #include <functional>
@@ -79,6 +83,12 @@ private:
     std::set<QAccessible::Id> m_seen; // this time
 };
 
+// Whether that is said, wherever the focus is.
+bool announces(AppOnScreen &app, const QString &text)
+{
+    return onscreen::find<Announcer>(app.window(), text);
+}
+
 } // namespace
 
 // What a screen reader may ask for while a screen changes; the program must survive it.
@@ -115,6 +125,26 @@ private Q_SLOTS:
             explorer.explore(window);
         }
         QVERIFY(explorer.met() > 10);
+    }
+
+    // Where the focus goes, and what is told of the rest.
+    void leads()
+    {
+        AppOnScreen app({{u"DEMO_ENGINE_INSTALLED"_s, u"qwen3:0.6b"_s}}, AppOnScreen::first);
+        QVERIFY(app.find<GuideView>()->isAncestorOf(app.window()->focusWidget()));
+        app.click(u"Skip the guide"_s);
+        app->openChat(u"qwen3:0.6b"_s);
+        app->setTab(AppTab::models);
+        app.press(Qt::Key_2);
+        QTRY_VERIFY(qobject_cast<MessageInput *>(app.window()->focusWidget()));
+        app.press(Qt::Key_F);
+        QTRY_VERIFY(qobject_cast<QLineEdit *>(app.window()->focusWidget()));
+        QVERIFY(app.isAnswered(u"1"_s, *app->chats().selectedID()));
+        QTRY_VERIFY(announces(app, u"The reply has ended"_s));
+        app->setBanner(u"Something is wrong"_s);
+        QTRY_VERIFY(announces(app, u"Something is wrong"_s));
+        app.press(Qt::Key_N);
+        QTRY_VERIFY(qobject_cast<MessageInput *>(app.window()->focusWidget()));
     }
 };
 

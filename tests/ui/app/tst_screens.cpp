@@ -5,6 +5,7 @@
 #include "ui/models/ModelRow.h"
 
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QApplication>
 
 using namespace Qt::StringLiterals;
@@ -26,7 +27,16 @@ bool goesOn(const QWidget *last, const QWidget *next)
     return !above && (below || to.right() >= from.left());
 }
 
-// Nothing is cut off, Tab goes the way one reads, and every control has a name: what is wrong with that.
+// What a screen reader tells controls apart by.
+QStringList spoken(QWidget *widget)
+{
+    QAccessibleInterface *const control = QAccessible::queryAccessibleInterface(widget);
+    return {control->text(QAccessible::Name), control->text(QAccessible::Description),
+            QString::number(control->role())};
+}
+
+// Nothing is cut off, Tab goes the way one reads, and every control has a name of its own: what is wrong with
+// that.
 QString fault(const QWidget &window)
 {
     const QString cutOff = readable::unreadable(window, readable::Cut::never);
@@ -37,13 +47,18 @@ QString fault(const QWidget &window)
         if (page->isVisible() && page->widget()->width() > page->viewport()->width())
             return u"A page is too wide"_s;
     }
+    QSet<QStringList> controls;
     const QWidget *last = nullptr;
-    for (const QWidget *next = window.nextInFocusChain(); next != &window; next = next->nextInFocusChain()) {
+    for (QWidget *next = window.nextInFocusChain(); next != &window; next = next->nextInFocusChain()) {
         if (!next->isVisible() || !next->isEnabled() || !(next->focusPolicy() & Qt::TabFocus) ||
             next->window() != &window || qobject_cast<const ScrollPage *>(next))
             continue;
         if (readable::nameOf(next).isEmpty())
             return u"Without a name: "_s + QString::fromLatin1(next->metaObject()->className());
+        const QStringList control = spoken(next);
+        if (controls.contains(control))
+            return u"Named like another: "_s + readable::nameOf(next);
+        controls.insert(control);
         if (last && !goesOn(last, next))
             return u"Tab goes back to "_s + readable::nameOf(next);
         last = next;
