@@ -61,9 +61,9 @@ void SessionNotifications::withdrawAll()
 
 void SessionNotifications::close(uint id)
 {
-    QDBusMessage close = call(u"CloseNotification"_s);
-    close << id;
-    m_bus.send(close);
+    QDBusMessage withdrawal = call(u"CloseNotification"_s);
+    withdrawal << id;
+    m_bus.send(withdrawal);
 }
 
 void SessionNotifications::sendNext()

@@ -23,6 +23,7 @@ LoginSleep::LoginSleep(QObject *parent) : MachineSleep(parent), m_bus(QDBusConne
 
 void LoginSleep::prevent(const QString &reason)
 {
+    m_session.prevent(reason);
     m_isWanted = true;
     if (!m_bus.isConnected() || m_isAsking || m_lock.isValid())
         return;
@@ -41,6 +42,7 @@ void LoginSleep::prevent(const QString &reason)
 
 void LoginSleep::allow()
 {
+    m_session.allow();
     m_isWanted = false;
     m_lock = QDBusUnixFileDescriptor();
 }

@@ -1,7 +1,9 @@
-// The machine's sleep as the login manager of the system (org.freedesktop.login1) knows it.
+// The machine's sleep as the login manager of the system (org.freedesktop.login1) knows it, and the user's
+// session beside it.
 #pragma once
 
 #include "platform/power/MachineSleep.h"
+#include "platform/power/linux/SessionInhibition.h"
 
 #include <QDBusConnection>
 #include <QDBusUnixFileDescriptor>
@@ -20,6 +22,7 @@ private Q_SLOTS:
     void tell(bool isAsleep);
 
 private:
+    SessionInhibition m_session;
     QDBusConnection m_bus;
     bool m_isWanted = false;
     bool m_isAsking = false;

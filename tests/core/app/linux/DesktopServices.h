@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
 #include <QObject>
 #include <QStringList>
@@ -95,6 +96,40 @@ private:
     int m_held = -1;
 };
 
+// Grants one wish at a time, and is the object that stands for it.
+class SleepPortal : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Inhibit")
+
+public:
+    static inline const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
+    uint held = 0; // the flags of what is kept away
+
+public Q_SLOTS:
+    Q_SCRIPTABLE QDBusObjectPath Inhibit(const QString & /*window*/, uint flags,
+                                         const QVariantMap & /*options*/)
+    {
+        held = flags;
+        return QDBusObjectPath(path + QStringLiteral("/request"));
+    }
+};
+
+class SleepRequest : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Request")
+
+public:
+    explicit SleepRequest(SleepPortal &portal) : m_portal(portal) {}
+
+public Q_SLOTS:
+    Q_SCRIPTABLE void Close() { m_portal.held = 0; }
+
+private:
+    SleepPortal &m_portal;
+};
+
 class DesktopServices : public QObject
 {
     Q_OBJECT
@@ -106,10 +141,14 @@ public:
             return m_bus.registerObject(path, object, QDBusConnection::ExportScriptableContents) &&
                    m_bus.registerService(name);
         };
-        const bool offered = offer(&notifications, QStringLiteral("/org/freedesktop/Notifications"),
-                                   QStringLiteral("org.freedesktop.Notifications")) &&
-                             offer(&login, QStringLiteral("/org/freedesktop/login1"),
-                                   QStringLiteral("org.freedesktop.login1"));
+        const bool offered =
+            offer(&notifications, QStringLiteral("/org/freedesktop/Notifications"),
+                  QStringLiteral("org.freedesktop.Notifications")) &&
+            offer(&login, QStringLiteral("/org/freedesktop/login1"),
+                  QStringLiteral("org.freedesktop.login1")) &&
+            m_bus.registerObject(SleepPortal::path + QStringLiteral("/request"), &m_request,
+                                 QDBusConnection::ExportScriptableContents) &&
+            offer(&portal, SleepPortal::path, QStringLiteral("org.freedesktop.portal.Desktop"));
         const QString entry = QStringLiteral("com.canonical.Unity.LauncherEntry");
         if (!offered ||
             !m_bus.connect({}, {}, entry, QStringLiteral("Update"), this, SLOT(update(QString, QVariantMap))))
@@ -118,12 +157,14 @@ public:
 
     NotificationServer notifications;
     LoginManager login;
+    SleepPortal portal;
     QList<QVariantMap> launcher; // all that its icon was told
 
 private Q_SLOTS:
     void update(const QString & /*entry*/, const QVariantMap &properties) { launcher.append(properties); }
 
 private:
+    SleepRequest m_request{portal};
     QDBusConnection m_bus =
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("services"));
 };

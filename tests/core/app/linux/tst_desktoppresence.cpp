@@ -135,10 +135,13 @@ private Q_SLOTS:
         m_app->queue().enqueue(u"late"_s, {});
         QTRY_VERIFY(m_desktop->login.isHeld());
         QCOMPARE(m_desktop->login.asked, QStringList(u"sleep:idle block"_s));
+        constexpr uint suspending = 4;
+        QTRY_COMPARE(m_desktop->portal.held, suspending);
         QTRY_VERIFY(!m_desktop->launcher.isEmpty());
         QVERIFY(m_desktop->launcher.constLast().value(u"progress-visible"_s).toBool());
         m_app->queue().cancel(u"late"_s);
         QTRY_VERIFY(!m_desktop->login.isHeld());
+        QTRY_COMPARE(m_desktop->portal.held, 0U);
         QTRY_VERIFY(!m_desktop->launcher.constLast().value(u"progress-visible"_s).toBool());
 
         m_app->queue().enqueue(u"late"_s, {});
