@@ -138,6 +138,7 @@ void GuideView::render()
 {
     const bool hasEngine = !m_state.engine().enginePath().isEmpty();
     const bool hasModel = !m_state.installed().isEmpty();
+    m_chat->setEnabled(hasModel); // first: the focus of what goes below moves on to it
     const FocusKeeper engineKeeper(m_engineStep);
     const FocusKeeper modelKeeper(m_modelStep);
     m_engineStep->setDone(hasEngine);
@@ -153,7 +154,6 @@ void GuideView::render()
     m_progress->setVisible(item != nullptr);
     m_download->setVisible(!hasModel && !item);
     m_download->setEnabled(hasEngine);
-    m_chat->setEnabled(hasModel);
 }
 
 void GuideView::openChat()

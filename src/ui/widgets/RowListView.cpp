@@ -30,6 +30,15 @@ QItemSelectionModel::SelectionFlags RowListView::selectionCommand(const QModelIn
     return index.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;
 }
 
+// QListView tells screen readers that its row has the focus now, also where it has not (Qt 6.4).
+void RowListView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    if (hasFocus())
+        QListView::currentChanged(current, previous);
+    else
+        QAbstractItemView::currentChanged(current, previous);
+}
+
 void RowListView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
 {
     QListView::selectionChanged(selected, deselected);

@@ -57,6 +57,7 @@ private Q_SLOTS:
         // The engine's first is taken.
         app.addModel(u"my-own:1b"_s);
         QTRY_COMPARE(app->installed().size(), 2);
+        QTRY_COMPARE(onscreen::words(app.window()->focusWidget()), u"Open a chat"_s);
         app.click(u"Open a chat"_s);
         QVERIFY(app.sandbox.defaults().boolean(u"guideDone"_s));
         QTRY_VERIFY(!showsGuide(app.window()));
