@@ -9,9 +9,10 @@
 #include "ui/chat/MessageInput.h"
 #include "ui/models/ModelDetailsView.h"
 
-#include <QCoreApplication>
+#include <QClipboard>
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPointer>
 
@@ -284,8 +285,11 @@ Task<> Campaign::useText(QString where, QString name)
     if (where == "send"_L1) {
         m_state->send(text, id);
     } else if (where == "paste"_L1) {
-        if (auto *const input = m_window->findChild<MessageInput *>())
-            input->setDraft(text);
+        if (auto *const input = m_window->findChild<MessageInput *>()) {
+            QGuiApplication::clipboard()->setText(text);
+            input->paste();
+            QGuiApplication::clipboard()->clear();
+        }
     } else if (where == "search"_L1) {
         if (auto *const search = m_window->findChild<QLineEdit *>())
             search->setText(text);

@@ -49,7 +49,7 @@ QString withLineFeeds(QString text)
 
 bool FieldText::holds(const QString &text)
 {
-    return text.size() <= mostCharacters && text.count(u'\n') < mostLines;
+    return text.size() <= mostCharacters && withLineFeeds(text).count(u'\n') < mostLines;
 }
 
 QString FieldText::limits()
@@ -63,26 +63,27 @@ void FieldText::set(const QString &text)
     m_field.clear();
     m_field.setUndoRedoEnabled(false);
     QTextCursor cursor(m_field.document());
-    insertLines(cursor, text);
+    insertLines(cursor, withLineFeeds(text));
     m_field.setUndoRedoEnabled(true);
 }
 
 bool FieldText::insert(const QString &text)
 {
     const QTextDocument &document = *m_field.document();
-    if (document.characterCount() + text.size() > mostCharacters ||
-        document.blockCount() + text.count(u'\n') > mostLines)
+    if (document.characterCount() + text.size() > mostCharacters)
+        return false;
+    const QString lines = withLineFeeds(text);
+    if (document.blockCount() + lines.count(u'\n') > mostLines)
         return false;
     QTextCursor cursor = m_field.textCursor();
-    insertLines(cursor, text);
+    insertLines(cursor, lines);
     m_field.setTextCursor(cursor);
     m_field.ensureCursorVisible();
     return true;
 }
 
-void FieldText::insertLines(QTextCursor &cursor, const QString &text)
+void FieldText::insertLines(QTextCursor &cursor, const QString &lines)
 {
-    const QString lines = withLineFeeds(text);
     cursor.beginEditBlock();
     cursor.removeSelectedText();
     qsizetype start = 0;

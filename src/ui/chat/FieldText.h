@@ -34,7 +34,7 @@ public:
     QString selectedText() const;
 
 private:
-    void insertLines(QTextCursor &cursor, const QString &text);
+    void insertLines(QTextCursor &cursor, const QString &lines);
     void insertLine(QTextCursor &cursor, QStringView line);
 
     QPlainTextEdit &m_field;

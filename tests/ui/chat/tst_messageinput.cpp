@@ -108,7 +108,8 @@ private Q_SLOTS:
         const QString before = field.draft();
         paste(u"z"_s.repeated(FieldText::mostCharacters));
         paste(u"\n"_s.repeated(FieldText::mostLines));
-        QCOMPARE(refused.size(), 2);
+        paste(u"\u2028"_s.repeated(FieldText::mostLines));
+        QCOMPARE(refused.size(), 3);
         QCOMPARE(field.draft(), before);
     }
 };
