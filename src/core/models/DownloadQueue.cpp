@@ -57,18 +57,18 @@ void DownloadQueue::setEngine(EngineManager *engine)
     m_engine = engine;
 }
 
-void DownloadQueue::enqueue(const QString &name, std::optional<qint64> knownSize)
+bool DownloadQueue::enqueue(const QString &name, std::optional<qint64> knownSize)
 {
     const QString pullName = name.trimmed();
     if (pullName.isEmpty() || pullName.contains(u' ')) {
         refuse(tr("Please type a model name without spaces, for example gemma3:4b."));
-        return;
+        return false;
     }
     const QString id = ModelCatalog::normalized(pullName);
     const DownloadItem *const present = item(id);
     if (present && (present->phase.kind == DownloadItem::Phase::queued ||
                     present->phase.kind == DownloadItem::Phase::running))
-        return;
+        return true;
 
     const QString folder = AppPaths::modelsDir();
     AppPaths::ensure(folder);
@@ -79,12 +79,13 @@ void DownloadQueue::enqueue(const QString &name, std::optional<qint64> knownSize
             tr("Not enough free disk space: this needs about %1 (the model plus 2 GB spare) and only %2 is "
                "free.")
                 .arg(byteCountText(need), byteCountText(*free)));
-        return;
+        return false;
     }
     removeAll(id);
     m_items.append({.id = id, .pullName = pullName, .knownSize = knownSize});
     Q_EMIT itemsChanged();
     pump();
+    return true;
 }
 
 void DownloadQueue::cancel(const QString &name)

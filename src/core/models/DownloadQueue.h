@@ -43,8 +43,8 @@ public:
     const DownloadItem *item(const QString &name) const;
 
     // Asks for a model, or resumes one that failed or was cancelled: that item goes to the end of the list.
-    // `knownSize` is what the catalogue says, in bytes.
-    void enqueue(const QString &name, std::optional<qint64> knownSize);
+    // `knownSize` is what the catalogue says, in bytes. False when it was refused, and the user told why.
+    bool enqueue(const QString &name, std::optional<qint64> knownSize);
     // Stops the pull of that model, should it run; its item stays until it has ended. A model that is not
     // being pulled is taken off the list.
     void cancel(const QString &name);

@@ -180,8 +180,8 @@ void ModelsView::download()
     const QString name = trimmedOfBlanks(m_custom->text());
     if (name.isEmpty())
         return;
-    m_state.queue().enqueue(name, std::nullopt);
-    m_custom->clear();
+    if (m_state.queue().enqueue(name, std::nullopt))
+        m_custom->clear();
 }
 
 void ModelsView::confirmDelete(const QString &name)

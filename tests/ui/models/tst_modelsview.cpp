@@ -177,6 +177,8 @@ private Q_SLOTS:
         QTest::keyClicks(field, u"two words"_s);
         QTest::keyClick(field, Qt::Key_Return);
         QVERIFY(app->banner() && app->queue().items().isEmpty());
+        QCOMPARE(field->text(), u" \u00a0two words"_s);
+        field->clear();
 
         QTest::keyClicks(field, u" tiny:1b "_s);
         onscreen::click(field->parentWidget(), u"Download"_s);
