@@ -318,9 +318,9 @@ Task<> AppState::exportTo(QPointer<AppState> self, Conversation conversation, St
     const auto path = co_await self->m_desktop.chooseSaveFile(proposal);
     if (!path || stop.stopRequested())
         co_return;
-    const QByteArray document = ChatStore::markdown(conversation).toUtf8();
-    const auto write = [target = *path, document] {
-        AtomicFile::write(target, document, AtomicFile::Access::asUsual);
+    const auto write = [&path, &conversation] {
+        const QByteArray document = ChatStore::markdown(conversation).toUtf8();
+        AtomicFile::write(*path, document, AtomicFile::Access::asUsual);
     };
     QString description;
     bool written = false;

@@ -131,11 +131,8 @@ void ChatStore::mutate(const QUuid &id, const std::function<void(Conversation &)
 
 void ChatStore::commit(const QUuid &id)
 {
-    const Conversation *const conversation = find(id);
-    if (!conversation)
-        return;
-    if (const std::optional<QByteArray> content = ConversationFile::encode(*conversation))
-        m_writer.write(path(id), *content);
+    if (const Conversation *const conversation = find(id))
+        m_writer.write(path(id), [snapshot = *conversation] { return ConversationFile::encode(snapshot); });
 }
 
 void ChatStore::touch(const QUuid &id)

@@ -47,7 +47,7 @@ public:
     // chunk.
     void mutate(const QUuid &id, const std::function<void(Conversation &)> &change);
 
-    // Saves the conversation as it is now; the file is written in the background.
+    // Saves the conversation as it is now; the file is encoded and written in the background.
     void commit(const QUuid &id);
 
     // Stamps the conversation as updated now, reorders the list and saves.

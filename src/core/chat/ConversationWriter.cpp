@@ -49,9 +49,12 @@ ConversationWriter::~ConversationWriter()
     m_queue.post([this] { retryFailed(); });
 }
 
-void ConversationWriter::write(const QString &path, const QByteArray &content)
+void ConversationWriter::write(const QString &path, Content content)
 {
-    post([this, path, content] { carryOut(path, content); });
+    post([this, path, content = std::move(content)] {
+        if (const std::optional<QByteArray> bytes = content())
+            carryOut(path, bytes);
+    });
 }
 
 void ConversationWriter::remove(const QString &path)

@@ -26,8 +26,11 @@ public:
     // Waits for everything asked for; what failed is tried a last time.
     ~ConversationWriter();
 
+    // What a file is to hold, or nothing when it is to stay as it is. Called once, on the background thread.
+    using Content = std::function<std::optional<QByteArray>()>;
+
     // Makes the file's folder where it is missing.
-    void write(const QString &path, const QByteArray &content);
+    void write(const QString &path, Content content);
     void remove(const QString &path);
 
     // How many of the files asked for have not been tried yet.

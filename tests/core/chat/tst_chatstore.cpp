@@ -191,14 +191,16 @@ private Q_SLOTS:
         ConversationWriter writer(anotherSucceeds ? 1h : 1ms);
         const QString obstacle = m_folder->put(u"chats"_s);
         const QString path = obstacle + u"/a.json"_s;
-        writer.write(path, "old");
-        writer.write(path, "new");
-        writer.write(obstacle + u"/b.json"_s, "never");
+        const auto bytes = [](const QByteArray &text) { return [text] { return std::optional(text); }; };
+        writer.write(path, bytes("old"));
+        writer.write(path, bytes("new"));
+        writer.write(path, [] { return std::nullopt; });
+        writer.write(obstacle + u"/b.json"_s, bytes("never"));
         writer.remove(obstacle + u"/b.json"_s);
         QVERIFY(::waitFor(writer.finished(30s)));
         QVERIFY(QFile::remove(obstacle));
         if (anotherSucceeds)
-            writer.write(m_folder->filePath(u"c.json"_s), "c");
+            writer.write(m_folder->filePath(u"c.json"_s), bytes("c"));
         QTRY_COMPARE(m_folder->contentOf(u"chats/a.json"_s), "new"_ba);
         QVERIFY(::waitFor(writer.finished(30s)));
         QVERIFY(!QFile::exists(obstacle + u"/b.json"_s));
