@@ -68,7 +68,7 @@ const Member<LoadedEntry> loadedMembers[] = {
 
 std::optional<InstalledModel> modelOf(InstalledEntry &entry)
 {
-    if (!entry.name)
+    if (!entry.name || entry.name->size() > WireFormat::longestName)
         return std::nullopt;
     entry.model.name = std::move(*entry.name);
     return std::move(entry.model);
@@ -77,7 +77,7 @@ std::optional<InstalledModel> modelOf(InstalledEntry &entry)
 std::optional<LoadedModel> modelOf(LoadedEntry &entry)
 {
     std::optional<QString> &name = entry.name ? entry.name : entry.model;
-    if (!name)
+    if (!name || name->size() > WireFormat::longestName)
         return std::nullopt;
     return LoadedModel{.name = std::move(*name), .size = entry.size};
 }

@@ -24,6 +24,9 @@ namespace WireFormat {
 // A list with more elements makes its whole text unreadable.
 constexpr qsizetype longestList = 100'000;
 
+// A model with a longer name is not listed; no name in use comes near it.
+constexpr qsizetype longestName = 1000;
+
 // Lists of which an element has another type are empty.
 QList<InstalledModel> installedModels(QByteArrayView answer);
 QList<LoadedModel> loadedModels(QByteArrayView answer);

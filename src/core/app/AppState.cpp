@@ -143,6 +143,11 @@ void AppState::setBanner(const std::optional<QString> &banner)
 
 const QList<InstalledModel> &AppState::installed() const
 {
+    return m_models->installed().models();
+}
+
+const InstalledIndex &AppState::installedIndex() const
+{
     return m_models->installed();
 }
 

@@ -26,6 +26,7 @@
 
 class Desktop;
 class EngineModels;
+class InstalledIndex;
 class ReplyGenerator;
 class UserDefaults;
 
@@ -69,8 +70,9 @@ public:
     const std::optional<QString> &banner() const { return m_banner; }
     void setBanner(const std::optional<QString> &banner);
 
-    // In the engine's order.
+    // In the order of the engine; also with what is looked up in it.
     const QList<InstalledModel> &installed() const;
+    const InstalledIndex &installedIndex() const;
     const QList<LoadedModel> &loaded() const;
     // What the engine says that each model can do, by the name it was asked under.
     const QHash<QString, QStringList> &capabilities() const;

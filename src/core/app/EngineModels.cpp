@@ -5,6 +5,7 @@
 #include "core/engine/EngineManager.h"
 #include "core/models/ModelCatalog.h"
 #include "platform/async/Sleep.h"
+#include "platform/async/WorkerQueue.h"
 
 #include <QDeadlineTimer>
 
@@ -13,6 +14,9 @@
 #include <utility>
 
 namespace {
+
+// More are indexed in the background.
+constexpr qsizetype fewModels = 500;
 
 // The answer, or nothing when there is none.
 template <class T>
@@ -41,8 +45,8 @@ EngineModels::~EngineModels()
 
 const InstalledModel *EngineModels::findInstalled(const QString &name) const
 {
-    const auto place = m_installedPlaces.constFind(ModelCatalog::normalized(name));
-    return place != m_installedPlaces.cend() ? &m_installed.at(*place) : nullptr;
+    const qsizetype place = m_installed.place(name);
+    return place >= 0 ? &m_installed.models().at(place) : nullptr;
 }
 
 bool EngineModels::isLoaded(const QString &name) const
@@ -69,8 +73,26 @@ Task<> EngineModels::pass(QPointer<EngineModels> self, StopToken stop)
     if (stop.stopRequested())
         co_return;
     if (installed)
-        self->setInstalled(*installed);
+        co_await takeInstalled(self, *installed, stop);
+    if (stop.stopRequested())
+        co_return;
     co_await askForLoaded(self, stop);
+}
+
+Task<> EngineModels::takeInstalled(QPointer<EngineModels> self, QList<InstalledModel> installed,
+                                   StopToken stop)
+{
+    // An unchanged list stays the same one, by which a view knows at once that it is unchanged.
+    if (self->m_installed.models() == installed)
+        co_return;
+    if (installed.size() <= fewModels) {
+        self->setInstalled(InstalledIndex(installed));
+        co_return;
+    }
+    const auto prepare = [&installed] { return InstalledIndex(installed); };
+    const InstalledIndex index = co_await WorkerQueue::shared().run(prepare);
+    if (!stop.stopRequested())
+        self->setInstalled(index);
 }
 
 Task<> EngineModels::askForLoaded(QPointer<EngineModels> self, StopToken stop)
@@ -172,14 +194,9 @@ bool EngineModels::engineRuns() const
     return m_engine.state().kind == EngineManager::State::running;
 }
 
-void EngineModels::setInstalled(const QList<InstalledModel> &installed)
+void EngineModels::setInstalled(const InstalledIndex &installed)
 {
-    if (m_installed == installed)
-        return; // and the list stays the same one, by which a view knows at once that it is unchanged
     m_installed = installed;
-    m_installedPlaces.clear();
-    for (qsizetype place = m_installed.size() - 1; place >= 0; --place) // the first of a name stays
-        m_installedPlaces.insert(ModelCatalog::normalized(m_installed.at(place).name), place);
     Q_EMIT installedChanged();
 }
 

@@ -3,8 +3,8 @@
 // nothing in memory.
 #pragma once
 
-#include "core/api/InstalledModel.h"
 #include "core/api/LoadedModel.h"
+#include "core/models/InstalledIndex.h"
 #include "platform/async/Launch.h"
 #include "platform/async/Stop.h"
 #include "platform/async/Task.h"
@@ -34,7 +34,7 @@ public:
     // Requests under way are stopped.
     ~EngineModels() override;
 
-    const QList<InstalledModel> &installed() const { return m_installed; }
+    const InstalledIndex &installed() const { return m_installed; }
     const QList<LoadedModel> &loaded() const { return m_loaded; }
     const QHash<QString, QStringList> &capabilities() const { return m_capabilities; }
     // All three compare names in their normalised form. What is found first, or null when there is none;
@@ -73,18 +73,17 @@ private:
     static Task<> unloadAndWait(QPointer<EngineModels> self, QString name, StopToken stop);
     void followEngine();
     bool engineRuns() const;
-    void setInstalled(const QList<InstalledModel> &installed);
+    static Task<> takeInstalled(QPointer<EngineModels> self, QList<InstalledModel> installed, StopToken stop);
+    void setInstalled(const InstalledIndex &installed);
     void setLoaded(const QList<LoadedModel> &loaded);
     void setUnloading(const QString &name, bool unloading);
     void setCapabilities(const QString &name, const QStringList &capabilities);
 
     const EngineManager &m_engine;
     const std::chrono::milliseconds m_unloadPatience;
-    QList<InstalledModel> m_installed;
+    InstalledIndex m_installed;
     QList<LoadedModel> m_loaded;
-    // By their normalised names: where the installed ones stand, and which are in memory or asked to leave
-    // it.
-    QHash<QString, qsizetype> m_installedPlaces;
+    // By their normalised names: which are in memory or asked to leave it.
     QSet<QString> m_loadedNames;
     QSet<QString> m_unloading;
     QHash<QString, QStringList> m_capabilities;

@@ -2,6 +2,8 @@
 
 #include "platform/text/Trimming.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -91,6 +93,17 @@ CatalogModel ModelCatalog::bestPick(quint64 memory)
         return *preferred;
     const auto largest = std::find_if(all.rbegin(), all.rend(), isGood);
     return largest != all.rend() ? *largest : all.first();
+}
+
+bool ModelCatalog::has(const QString &name)
+{
+    static const QSet<QString> names = [] {
+        QSet<QString> all;
+        for (const CatalogModel &model : models())
+            all.insert(normalized(model.name));
+        return all;
+    }();
+    return names.contains(normalized(name));
 }
 
 Fit ModelCatalog::fit(qint64 sizeBytes, quint64 memory)

@@ -39,6 +39,9 @@ public:
     // The entry to propose on a machine with `memory` bytes; there always is one.
     static CatalogModel bestPick(quint64 memory);
 
+    // Whether an entry has a name of the same normalised form.
+    static bool has(const QString &name);
+
     // How a download of `sizeBytes` fits `memory` bytes; a memory of 0 counts as 1 byte.
     static Fit fit(qint64 sizeBytes, quint64 memory);
 

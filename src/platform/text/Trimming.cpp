@@ -2,12 +2,23 @@
 
 #include <QString>
 
+namespace {
+
+bool isBlank(QChar c)
+{
+    // Most blanks by far are the first two, and a hostile text has a million.
+    return c == u' ' || c == u'\t' || (c >= u'\u00A0' && c.category() == QChar::Separator_Space);
+}
+
+} // namespace
+
 QString trimmedOfBlanks(QStringView text)
 {
-    const auto isBlank = [](QChar c) { return c == u'\t' || c.category() == QChar::Separator_Space; };
-    while (!text.isEmpty() && isBlank(text.front()))
-        text = text.sliced(1);
-    while (!text.isEmpty() && isBlank(text.back()))
-        text.chop(1);
-    return text.toString();
+    const QChar *start = text.begin();
+    const QChar *end = text.end();
+    while (start != end && isBlank(*start))
+        ++start;
+    while (start != end && isBlank(end[-1]))
+        --end;
+    return QString(start, end - start);
 }

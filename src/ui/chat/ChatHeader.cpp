@@ -91,7 +91,7 @@ void ChatHeader::render()
     const Conversation *conversation = m_state.chats().find(m_id);
     if (!conversation)
         return;
-    m_model->showModels(m_state.installed(), conversation->model);
+    m_model->showModels(m_state.installedIndex(), conversation->model);
     m_think->setVisible(m_state.capabilities().value(conversation->model).contains("thinking"_L1));
     m_think->setChecked(conversation->think);
     m_inMemory->setVisible(m_state.isLoaded(conversation->model));

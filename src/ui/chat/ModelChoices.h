@@ -1,9 +1,8 @@
 // What a conversation's model picker offers.
 #pragma once
 
-#include "core/api/InstalledModel.h"
+#include "core/models/InstalledIndex.h"
 
-#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -16,5 +15,5 @@ struct ModelChoices
 
     bool operator==(const ModelChoices &) const = default;
 
-    static ModelChoices make(const QList<InstalledModel> &installed, const QString &model);
+    static ModelChoices make(const InstalledIndex &installed, const QString &model);
 };

@@ -39,7 +39,7 @@ ModelPicker::ModelPicker(QWidget *parent) : QComboBox(parent), m_entries(new Ent
     });
 }
 
-void ModelPicker::showModels(const QList<InstalledModel> &installed, const QString &model)
+void ModelPicker::showModels(const InstalledIndex &installed, const QString &model)
 {
     // An unchanged list is the very same one, and not gone through.
     if (count() > 0 && model == m_shown && installed == m_installed)

@@ -15,7 +15,7 @@ public:
     explicit ModelPicker(QWidget *parent = nullptr);
 
     // Offers the `installed` ones and shows `model`, the conversation's, as the current one.
-    void showModels(const QList<InstalledModel> &installed, const QString &model);
+    void showModels(const InstalledIndex &installed, const QString &model);
 
     void showPopup() override;
 
@@ -29,7 +29,7 @@ protected:
 private:
     QStringListModel *const m_entries;
     // What the choices were last made of.
-    QList<InstalledModel> m_installed;
+    InstalledIndex m_installed;
     QString m_shown;
     ModelChoices m_choices;
     bool m_isLong = false;

@@ -138,9 +138,9 @@ void ModelsView::renderOtherModels()
     for (const DownloadItem &item : items)
         downloads.append(item.pullName);
     // An unchanged list is the very same one, and not gone through.
-    if (m_state.installed() == m_listedInstalled && downloads == m_listedDownloads)
+    if (m_state.installedIndex() == m_listedInstalled && downloads == m_listedDownloads)
         return;
-    m_listedInstalled = m_state.installed();
+    m_listedInstalled = m_state.installedIndex();
     m_listedDownloads = downloads;
     const QStringList names = otherModelNames(m_listedInstalled, items);
     m_otherColumn->setKeys(names);

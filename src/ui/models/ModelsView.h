@@ -2,7 +2,7 @@
 // download any model by its name.
 #pragma once
 
-#include "core/api/InstalledModel.h"
+#include "core/models/InstalledIndex.h"
 #include "ui/widgets/ScrollPage.h"
 
 #include <QList>
@@ -43,7 +43,7 @@ private:
     QWidget *const m_others; // its heading and its rows
     LazyColumn *const m_otherColumn;
     // What the other names were last made of.
-    QList<InstalledModel> m_listedInstalled;
+    InstalledIndex m_listedInstalled;
     QStringList m_listedDownloads;
     Card *const m_add;
     QLineEdit *const m_custom;

@@ -229,6 +229,9 @@ private Q_SLOTS:
         QCOMPARE(WireFormat::installedModels(models(WireFormat::longestList)).size(),
                  WireFormat::longestList);
         QVERIFY(WireFormat::installedModels(models(WireFormat::longestList + 1)).isEmpty());
+        const QByteArray name = "a" + QByteArray(WireFormat::longestName, ' ');
+        QVERIFY(WireFormat::installedModels("{\"models\":[{\"name\":\"" + name + "\"}]}").isEmpty());
+        QVERIFY(WireFormat::loadedModels("{\"models\":[{\"name\":\"" + name + "\"}]}").isEmpty());
 
         QByteArray answer;
         const RawServer server([&](QTcpSocket &socket) {

@@ -109,7 +109,8 @@ private Q_SLOTS:
         QList<DownloadItem> downloads;
         for (const QString &name : {u"phi3.5"_s, u" B:1 "_s, u"A0"_s})
             downloads.emplaceBack().pullName = name;
-        QCOMPARE(::otherModelNames(installed, downloads), QStringList({u"b:1"_s, u"a:1"_s, u"A0"_s}));
+        QCOMPARE(::otherModelNames(InstalledIndex(installed), downloads),
+                 QStringList({u"b:1"_s, u"a:1"_s, u"A0"_s}));
     }
 
     // Of which only the rows near sight are made, whichever way the user goes.
