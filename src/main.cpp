@@ -112,6 +112,31 @@ auto settingsOpener(AppState &state, Desktop &desktop, UserDefaults &defaults, L
     };
 }
 
+void beginChat(AppState &state, const UserDefaults &defaults)
+{
+    if (GuideView::isDone(defaults))
+        state.newChat();
+}
+
+// Before the engine has told its models, a chat could have none; who turns to another tab meanwhile no longer
+// waits for one.
+void beginChatOnceStarted(AppState &state, const UserDefaults &defaults, MainWindow &window)
+{
+    auto *const wish = new QObject(&window);
+    QObject::connect(&state, &AppState::started, wish, [&] { beginChat(state, defaults); });
+    QObject::connect(&state, &AppState::started, wish, &QObject::deleteLater);
+    QObject::connect(&state, &AppState::tabChanged, wish, &QObject::deleteLater);
+}
+
+void show(MainWindow &window, QtDesktop &desktop, const Activation &activation)
+{
+    // On X11 Qt does all that it takes for the launch of a program itself.
+    if (activation.token.isEmpty())
+        window.show();
+    else
+        desktop.bringToFront({activation.token, {}});
+}
+
 int run(const Profile &profile, const LaunchRequest &launch, SingleInstance &instance)
 {
     const std::unique_ptr<UserDefaults> defaults = openDefaults(profile);
@@ -139,38 +164,23 @@ int run(const Profile &profile, const LaunchRequest &launch, SingleInstance &ins
     });
     QObject::connect(&window, &MainWindow::settingsRequested, &window,
                      settingsOpener(state, desktop, *defaults, *loginItem, window));
-    const auto newChat = [&] {
-        if (GuideView::isDone(*defaults))
-            state.newChat();
-    };
     QObject::connect(&instance, &SingleInstance::requested, &window, [&](const LaunchRequest &other) {
         desktop.bringToFront(other.activation);
         if (other.wish == LaunchRequest::Wish::newChat)
-            newChat();
+            beginChat(state, *defaults);
     });
-    if (launch.wish == LaunchRequest::Wish::newChat) {
-        // Before the engine has told its models, a chat could have none; who turns to another tab meanwhile
-        // no longer waits for one.
-        auto *const wish = new QObject(&window);
-        QObject::connect(&state, &AppState::started, wish, newChat);
-        QObject::connect(&state, &AppState::started, wish, &QObject::deleteLater);
-        QObject::connect(&state, &AppState::tabChanged, wish, &QObject::deleteLater);
-    }
-
 #ifndef Q_OS_LINUX // where the engine's keeper does it, and gives a pull the time it needs
     // Also where the desktop ends the event loop, as at the end of its session.
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, &window,
                      [] { ChildProcessHolder::shared().terminate(); });
 #endif
 
+    if (launch.wish == LaunchRequest::Wish::newChat)
+        beginChatOnceStarted(state, *defaults, window);
     if (!defaults->isRead())
         state.setBanner(
             QApplication::translate("main", "The settings cannot be read and are not kept this time."));
-    // On X11 Qt does all that it takes for the launch of a program itself.
-    if (launch.activation.token.isEmpty())
-        window.show();
-    else
-        desktop.bringToFront({launch.activation.token, {}});
+    show(window, desktop, launch.activation);
     return QApplication::exec();
 }
 
