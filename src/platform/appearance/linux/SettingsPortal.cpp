@@ -81,6 +81,7 @@ SettingsPortal::SettingsPortal(QObject *parent) : AppearanceSource(parent)
     if (!bus.isConnected())
         return;
     qDBusRegisterMetaType<Settings>();
+    qRegisterMetaType<QDBusVariant>(); // or Qt finds no slot that takes one
     bus.connect(service, path, interface, u"SettingChanged"_s, this,
                 SLOT(change(QString, QString, QDBusVariant)));
     auto *const owner =
