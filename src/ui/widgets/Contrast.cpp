@@ -18,7 +18,7 @@ double luminance(const QColor &color)
 double contrastRatio(const QColor &one, const QColor &other)
 {
     constexpr double flare = 0.05; // of the room, reflected by a screen
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
     return (lighter + flare) / (darker + flare);
 }
 
