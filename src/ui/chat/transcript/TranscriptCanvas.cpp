@@ -65,10 +65,8 @@ void TranscriptCanvas::setLoadsModel(bool loads)
 
 void TranscriptCanvas::setTextScale(double scale)
 {
-    if (std::exchange(m_textScale, scale) == scale)
-        return;
-    m_state.layout.holdTop();
-    restyle();
+    if (std::exchange(m_textScale, scale) != scale)
+        restyle();
 }
 
 void TranscriptCanvas::restyle()

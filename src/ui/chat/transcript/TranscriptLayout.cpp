@@ -129,6 +129,7 @@ void TranscriptLayout::setViewport(QSize size)
 
 void TranscriptLayout::restyle()
 {
+    holdTop();
     for (int i = 0; i < count(); ++i) {
         MessageItem &item = m_items[static_cast<size_t>(i)];
         if (item.body())
@@ -234,7 +235,7 @@ void TranscriptLayout::holdOn(const RowAddress &address)
 
 void TranscriptLayout::holdTop()
 {
-    if (m_visible.empty())
+    if (m_place.isEnd || m_visible.empty())
         return;
     const VisibleRow &row = m_visible.front();
     const double hidden =
@@ -248,8 +249,11 @@ int TranscriptLayout::topAsPlaced() const
         return end();
     // Of a row that is there no more, the message is left.
     const std::optional<QRect> place = rect(m_place.anchor);
-    const int y = place ? place->top() + m_top + qRound(m_place.hidden * place->height())
-                        : messageTop(m_place.anchor.message);
+    int y = messageTop(m_place.anchor.message);
+    if (place) {
+        const int hidden = qRound(m_place.hidden * place->height());
+        y = place->top() + m_top + std::min(hidden, place->height() - 1);
+    }
     return std::clamp(y - m_place.y, 0, end());
 }
 

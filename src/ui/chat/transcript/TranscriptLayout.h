@@ -3,10 +3,10 @@
 #pragma once
 
 #include "core/chat/Conversation.h"
-#include "ui/widgets/HeightIndex.h"
 #include "ui/chat/transcript/MessageItem.h"
 #include "ui/chat/transcript/RowAddress.h"
 #include "ui/chat/transcript/TranscriptStyle.h"
+#include "ui/widgets/HeightIndex.h"
 
 #include <QSize>
 
@@ -45,9 +45,6 @@ public:
     // Keeps the row where it is when what is around it changes.
     void holdOn(const RowAddress &address);
 
-    // Keeps the text at the viewport's top there when all rows take other heights.
-    void holdTop();
-
     // Measures what has come into sight, until nothing in sight is guessed.
     void settle();
 
@@ -83,6 +80,8 @@ private:
     int columnWidth() const;
     int contentHeight() const;
     int messageTop(int index) const;
+    // Keeps the text at the viewport's top there when all rows take other heights.
+    void holdTop();
     int topAsPlaced() const;
     bool measure(int top);
     void collectVisible();
