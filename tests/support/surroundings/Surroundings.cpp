@@ -51,8 +51,8 @@ public:
         set("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_folder + "/run/bus");
         set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + m_folder + "/run/system-bus");
         // Qt's own screen without a display is smaller than the window.
-        set("QT_QPA_PLATFORM", "offscreen:configfile=" TARNWICK_SURROUNDINGS "/screen.json");
-        set("FONTCONFIG_FILE", TARNWICK_SURROUNDINGS "/fonts/fonts.conf");
+        set("QT_QPA_PLATFORM", "offscreen:configfile=" TARNWICK_SCREEN);
+        set("FONTCONFIG_FILE", TARNWICK_FONTS);
         set("LC_ALL", "C.UTF-8");
         // Neither the one in which all clocks agree, nor one that a machine may not know by name.
         set("TZ", "<+0530>-5:30");

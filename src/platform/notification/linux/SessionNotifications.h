@@ -1,5 +1,5 @@
-// Notifications by the service org.freedesktop.Notifications of the session bus (Desktop Notifications
-// Specification 1.2 of freedesktop.org, with the token of 1.3).
+// Notifications by the service org.freedesktop.Notifications of the session bus, by version 1.2 of what
+// freedesktop.org says of it, with the token of 1.3.
 #pragma once
 
 #include "platform/notification/NotificationCenter.h"

@@ -1,5 +1,5 @@
-// Whether the X11 screen has a tray of the older kind, into which programs put little windows (System Tray
-// Protocol Specification of freedesktop.org). Without X11 it never has.
+// Whether the X11 screen has a tray of the older kind, into which programs put little windows by the System
+// Tray Protocol of freedesktop.org. Without X11 it never has.
 #pragma once
 
 #include <QAbstractNativeEventFilter>
