@@ -7,6 +7,10 @@ namespace {
 // Code units. The longest sequence in use, a flag or a family of emoji, has about twenty.
 constexpr qsizetype highestPile = 32;
 
+// Between letters of one direction, letters of the other, and digits. Each piece is laid out for itself, and
+// pages of two languages turn less often.
+constexpr int mostTurns = 400;
+
 constexpr char16_t firstStrongIsolate = u'\u2068';
 constexpr char16_t popIsolate = u'\u2069';
 
@@ -92,6 +96,25 @@ QString cut(const QString &text, qsizetype end)
     return text.first(end > 0 && text.at(end).isLowSurrogate() ? end - 1 : end) + u'…';
 }
 
+// Where the text has turned as often as it may, or its end.
+qsizetype endOfTurns(QStringView text)
+{
+    int turns = -1; // the first piece is none
+    auto last = QChar::DirON;
+    for (qsizetype place = 0; place < text.size(); ++place) {
+        const QChar::Direction direction = text[place].direction();
+        const bool isNeutral = direction != QChar::DirL && direction != QChar::DirR &&
+                               direction != QChar::DirAL && direction != QChar::DirEN &&
+                               direction != QChar::DirAN;
+        if (isNeutral || direction == last)
+            continue;
+        last = direction;
+        if (++turns > mostTurns)
+            return place;
+    }
+    return text.size();
+}
+
 QString tamed(QString text)
 {
     text.removeIf(isEmbedding);
@@ -109,7 +132,7 @@ QString shownLine(const QString &text, qsizetype longest)
 
 QString shownLines(const QString &text, qsizetype longest, int mostLines)
 {
-    qsizetype end = std::min(text.size(), longest);
+    const qsizetype end = endOfTurns(QStringView(text).first(std::min(text.size(), longest)));
     qsizetype lineEnd = -1;
     for (int line = 0; line < mostLines; ++line) {
         lineEnd = text.indexOf(u'\n', lineEnd + 1);
