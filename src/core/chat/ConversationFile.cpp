@@ -1,7 +1,7 @@
 #include "core/chat/ConversationFile.h"
 
-#include "platform/text/JsonReader.h"
 #include "core/chat/StoredText.h"
+#include "platform/text/JsonReader.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -3,6 +3,7 @@
 #include "core/engine/AppPaths.h"
 #include "platform/error/SystemError.h"
 #include "platform/text/OutsideText.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>

@@ -4,10 +4,10 @@
 
 #include "ui/chat/transcript/FlowLink.h"
 #include "ui/chat/transcript/FlowRows.h"
-#include "ui/widgets/HeightIndex.h"
 #include "ui/chat/transcript/ParagraphLayout.h"
 #include "ui/chat/transcript/TextPosition.h"
 #include "ui/chat/transcript/TranscriptStyle.h"
+#include "ui/widgets/HeightIndex.h"
 
 #include <QRect>
 
