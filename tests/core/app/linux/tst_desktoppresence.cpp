@@ -83,7 +83,7 @@ private Q_SLOTS:
         const QSignalSpy front(&m_presence->presence, &DesktopPresence::frontRequested);
         const auto isClicked = [&] {
             server.click({});
-            return front.size() > 0;
+            return !front.isEmpty();
         };
         QTRY_VERIFY(isClicked());
         m_presence.reset();
@@ -105,7 +105,7 @@ private Q_SLOTS:
         m_app->setTab(AppTab::server);
         const auto isTaken = [&] {
             server.click(u"token_TIME7"_s);
-            return front.size() > 0;
+            return !front.isEmpty();
         };
         QTRY_VERIFY(isTaken());
         QCOMPARE(m_app->tab(), AppTab::chat);
