@@ -1,20 +1,10 @@
 #include "ui/widgets/ProminentButton.h"
 
+#include "ui/widgets/Contrast.h"
 #include "ui/widgets/Tint.h"
 
 #include <QPainter>
 #include <QStyleOptionButton>
-
-namespace {
-
-// What can be read on `fill`.
-QColor textOn(const QColor &fill)
-{
-    constexpr float bright = 0.6F;
-    return fill.lightnessF() > bright ? Qt::black : Qt::white;
-}
-
-} // namespace
 
 ProminentButton::ProminentButton(const QString &text, QWidget *parent)
     : ProminentButton(text, Tint::accent, parent)
@@ -37,7 +27,7 @@ void ProminentButton::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QColor fill = tintColor(m_fill, palette());
-    const QColor words = m_fill == Tint::accent ? tintColor(Tint::onAccent, palette()) : textOn(fill);
+    const QColor words = m_fill == Tint::accent ? tintColor(Tint::onAccent, palette()) : inkOn(fill);
     if (isDown())
         fill = fill.darker(118);
     else if (underMouse())
