@@ -25,6 +25,7 @@ Newcomer::Newcomer(const QString &pictures) : m_pictures(pictures)
     m_pictures.removeRecursively();
     if (!m_pictures.mkpath(u"."_s))
         throw Disappointment("The folder for the pictures cannot be written.");
+    qputenv("HOME", m_sandbox.path(u"."_s).toLocal8Bit()); // the engine lives in one, wherever this runs
     m_sandbox.chooseEngine();
     m_sandbox.defaults().remove(u"guideDone"_s);
     m_state.emplace(AppState::Dependencies{m_sandbox.defaults(), m_desktop, AppPaths::chatsDir()});

@@ -6,9 +6,10 @@
 #include <QRegularExpression>
 #include <QTcpSocket>
 
-#ifdef Q_OS_LINUX
 #include <csignal>
 
+#include <sys/wait.h>
+#ifdef Q_OS_LINUX
 #include <sys/prctl.h>
 #endif
 
@@ -77,6 +78,20 @@ DemoEngine::~DemoEngine()
 QString DemoEngine::modelsFolder() const
 {
     return m_folder.filePath(u"models"_s);
+}
+
+void DemoEngine::freeze() const
+{
+    const auto process = static_cast<pid_t>(m_process.processId());
+    ::kill(process, SIGSTOP);
+    siginfo_t stopped; // its threads stop some time after the signal was sent
+    if (::waitid(P_PID, static_cast<id_t>(process), &stopped, WSTOPPED | WNOWAIT) != 0)
+        qFatal("The stand-in engine cannot be stopped");
+}
+
+void DemoEngine::thaw() const
+{
+    ::kill(static_cast<pid_t>(m_process.processId()), SIGCONT);
 }
 
 void DemoEngine::setFaults(const QString &faults) const

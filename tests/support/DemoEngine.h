@@ -24,8 +24,10 @@ public:
     DemoEngine &operator=(const DemoEngine &) = delete;
 
     int port() const { return m_port; }
-    qint64 processId() const { return m_process.processId(); }
     QString modelsFolder() const;
+    // Stops the process where it is; connections to it are still taken. It has stopped when this returns.
+    void freeze() const;
+    void thaw() const;
 
     // Replaces the faults in force: "reset", "chat:error-line=out of luck,slow". Empty ends them all.
     void setFaults(const QString &faults) const;

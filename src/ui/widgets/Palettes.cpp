@@ -81,6 +81,21 @@ QColor hintColor(const QPalette &palette, bool moreContrast)
     return legible(painted(half, ground), ground, textContrast);
 }
 
+// Some themes pale what stands in windows in the background until it can hardly be read.
+void keepBackgroundLegible(QPalette &palette)
+{
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        const QColor color = palette.color(QPalette::Active, role);
+        if (palette.color(QPalette::Inactive, role) != color)
+            palette.setColor(QPalette::Inactive, role, color);
+    }
+    const QColor ink = palette.color(QPalette::Inactive, QPalette::HighlightedText);
+    const QColor readable =
+        legible(ink, palette.color(QPalette::Inactive, QPalette::Highlight), textContrast);
+    if (ink != readable)
+        palette.setColor(QPalette::Inactive, QPalette::HighlightedText, readable);
+}
+
 void keepLegible(QPalette &palette, bool moreContrast)
 {
     setChanged(palette, QPalette::PlaceholderText, hintColor(palette, moreContrast));
@@ -89,6 +104,7 @@ void keepLegible(QPalette &palette, bool moreContrast)
     setChanged(
         palette, QPalette::Highlight,
         legible(palette.color(QPalette::Highlight), palette.color(QPalette::HighlightedText), textContrast));
+    keepBackgroundLegible(palette);
 }
 
 } // namespace

@@ -9,8 +9,6 @@
 #include <QJsonDocument>
 #include <QSignalSpy>
 
-#include <csignal>
-
 using namespace Qt::StringLiterals;
 using State = EngineManager::State;
 
@@ -186,14 +184,14 @@ private Q_SLOTS:
         QCOMPARE(app->banner(), u"I couldn't find a model with that name in the Ollama library."_s);
         QCOMPARE(app.contents(id), QStringList(u"echo Hi"_s));
 
-        // A start that is under way is not waited for, one of its own is.
+        // A start that is under way is waited for, and so is one of its own.
         app->setServer(false);
-        QCOMPARE(::kill(static_cast<pid_t>(app.demo.processId()), SIGSTOP), 0);
+        app.demo.freeze();
         app->setServer(true);
         regenerate(id, u"phi3.5"_s);
         QVERIFY(app.replyEnds());
         QCOMPARE(app->banner(), u"The local engine isn't running. Open the Server tab to see why."_s);
-        QCOMPARE(::kill(static_cast<pid_t>(app.demo.processId()), SIGCONT), 0);
+        app.demo.thaw();
         app->setServer(false);
         app->regenerate(id);
         QVERIFY(app.replyEnds());

@@ -197,14 +197,14 @@ private Q_SLOTS:
         QTRY_VERIFY(neighbour->hasFocus());
         // The buttons that a key goes to, and the transcript itself, until it is left.
         const auto stops = [&view = shown.view](Qt::Key key) {
-            QList<std::optional<Button>> stops;
-            for (; view.hasFocus() && stops.size() < 20; QTest::keyClick(&view, key)) {
+            QList<std::optional<Button>> found;
+            for (; view.hasFocus() && found.size() < 20; QTest::keyClick(&view, key)) {
                 const std::optional<Button> button = view.focusedButton();
                 const bool isInSight =
                     !button || view.viewport()->rect().contains(view.transcript().rect(*button));
-                stops += isInSight ? button : Button{-1};
+                found += isInSight ? button : Button{-1};
             }
-            return stops;
+            return found;
         };
         QList<std::optional<Button>> order = {std::nullopt};
         for (const Button::Kind kind : {Button::disclosure, Button::copyCode, Button::copyAnswer})

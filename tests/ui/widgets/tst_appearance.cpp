@@ -102,11 +102,16 @@ private Q_SLOTS:
         QFETCH(const bool, isThemeDark);
         QPalette theme(isThemeDark ? QColor(0x31, 0x36, 0x3b) : QColor(0xef, 0xf0, 0xf1));
         theme.setColor(QPalette::PlaceholderText, Qt::red);
+        theme.setColor(QPalette::Inactive, QPalette::WindowText, theme.color(QPalette::Mid));
+        theme.setColor(QPalette::Inactive, QPalette::HighlightedText, theme.color(QPalette::Highlight));
         const QPalette palette = paletteFor(wishes, theme);
         QTEST(isDark(palette), "isDark");
         QCOMPARE(isHighContrast(palette), wishes.moreContrast);
         const auto contrast = [&palette](QPalette::ColorRole ink, QPalette::ColorRole ground) {
-            return contrastRatio(palette.color(ink), palette.color(ground));
+            const auto in = [=, &palette](QPalette::ColorGroup group) {
+                return contrastRatio(palette.color(group, ink), palette.color(group, ground));
+            };
+            return std::min(in(QPalette::Active), in(QPalette::Inactive));
         };
         QVERIFY(contrast(QPalette::PlaceholderText, QPalette::Base) >= textContrast);
         QVERIFY(contrast(QPalette::Link, QPalette::Base) >= textContrast);
