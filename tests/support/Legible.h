@@ -6,12 +6,17 @@
 #include "ui/widgets/Contrast.h"
 #include "ui/widgets/Graphic.h"
 
+#include <QAbstractSpinBox>
 #include <QAccessible>
 #include <QFontInfo>
 #include <QHash>
 #include <QImage>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 
 namespace legibility {
+
+using namespace Qt::StringLiterals;
 
 // Something on the screen, and how well it has to be told from its ground.
 struct Part
@@ -52,11 +57,26 @@ inline void addPainted(QList<Part> &parts, QAccessibleInterface *parent, const Q
     }
 }
 
+inline bool isField(const QWidget *widget)
+{
+    const auto *const text = qobject_cast<const QPlainTextEdit *>(widget);
+    const auto *const line = qobject_cast<const QLineEdit *>(widget);
+    return widget->isVisible() && widget->isEnabled() &&
+           ((text && !text->isReadOnly()) || (line && line->hasFrame()) ||
+            qobject_cast<const QAbstractSpinBox *>(widget));
+}
+
 inline QList<Part> partsOf(const QWidget &window)
 {
     QList<Part> parts;
     const QList<QWidget *> all = window.findChildren<QWidget *>();
     for (QWidget *widget : all) {
+        if (isField(widget)) {
+            constexpr int reach = 3;
+            const QPoint edge = widget->mapTo(&window, QPoint(0, widget->height() / 2));
+            const QRect across(edge - QPoint(reach, reach), QSize(2 * reach, 2 * reach));
+            parts.append({u"edge of "_s + readable::nameOf(widget), across, graphicContrast, {}});
+        }
         if (!isWritten(widget)) {
             if (widget->isVisible())
                 addPainted(parts, QAccessible::queryAccessibleInterface(widget), window);

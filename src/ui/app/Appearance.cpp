@@ -2,6 +2,7 @@
 
 #include "platform/appearance/AppearanceSource.h"
 #include "ui/widgets/AppearanceWatch.h"
+#include "ui/widgets/FieldStyle.h"
 #include "ui/widgets/Palettes.h"
 
 #include <QApplication>
@@ -9,6 +10,7 @@
 
 Appearance::Appearance(const AppearanceSource &source) : m_source(source)
 {
+    FieldStyle::install();
     connect(&source, &AppearanceSource::wishesChanged, this, &Appearance::apply);
     connect(&AppearanceWatch::shared(), &AppearanceWatch::paletteChanged, this, &Appearance::apply);
     apply();

@@ -20,11 +20,13 @@ namespace {
 
 const QString placeKey = u"windowGeometry"_s;
 
-// Not every desktop has keys of its own for everything.
-QKeySequence usualKeys(QKeySequence::StandardKey key, QKeyCombination otherwise)
+// The desktop's own keys, where it has any, and those that are the same on all of them.
+QList<QKeySequence> keysFor(QKeySequence::StandardKey key, QKeyCombination everywhere)
 {
-    const QKeySequence usual(key);
-    return usual.isEmpty() ? QKeySequence(otherwise) : usual;
+    QList<QKeySequence> keys = QKeySequence::keyBindings(key);
+    if (!keys.contains(everywhere))
+        keys.append(everywhere);
+    return keys;
 }
 
 } // namespace
@@ -63,12 +65,12 @@ void MainWindow::makeMenus()
     connect(close, &QAction::triggered, this, &QWidget::close);
     file->addSeparator();
     QAction *settings = file->addAction(tr("&Settings…"));
-    settings->setShortcut(usualKeys(QKeySequence::Preferences, Qt::CTRL | Qt::Key_Comma));
+    settings->setShortcuts(keysFor(QKeySequence::Preferences, Qt::CTRL | Qt::Key_Comma));
     settings->setMenuRole(QAction::PreferencesRole);
     connect(settings, &QAction::triggered, this, &MainWindow::settingsRequested);
     file->addSeparator();
     QAction *quit = file->addAction(tr("&Quit"));
-    quit->setShortcut(usualKeys(QKeySequence::Quit, Qt::CTRL | Qt::Key_Q));
+    quit->setShortcuts(keysFor(QKeySequence::Quit, Qt::CTRL | Qt::Key_Q));
     quit->setShortcutContext(Qt::ApplicationShortcut);
     quit->setMenuRole(QAction::QuitRole);
     connect(quit, &QAction::triggered, this, &MainWindow::quitRequested);
@@ -109,10 +111,10 @@ void MainWindow::addZoom(QMenu *view)
 {
     m_grow = view->addAction(tr("&Larger Text"), m_zoom, &TextZoom::grow);
     // Also without the shift key that the plus takes on many keyboards.
-    m_grow->setShortcuts(
-        {usualKeys(QKeySequence::ZoomIn, Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)});
+    m_grow->setShortcuts(keysFor(QKeySequence::ZoomIn, Qt::CTRL | Qt::Key_Plus)
+                         << QKeySequence(Qt::CTRL | Qt::Key_Equal));
     m_shrink = view->addAction(tr("S&maller Text"), m_zoom, &TextZoom::shrink);
-    m_shrink->setShortcut(usualKeys(QKeySequence::ZoomOut, Qt::CTRL | Qt::Key_Minus));
+    m_shrink->setShortcuts(keysFor(QKeySequence::ZoomOut, Qt::CTRL | Qt::Key_Minus));
     m_usualSize = view->addAction(tr("&Usual Text Size"), m_zoom, &TextZoom::reset);
     m_usualSize->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_0));
 }

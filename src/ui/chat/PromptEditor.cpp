@@ -64,9 +64,8 @@ void PromptEditor::drawFrame()
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QColor ground = palette().color(QPalette::Base);
-    painter.setPen(
-        legible(painted(tintColor(Tint::secondary, palette(), 0.4), ground), ground, graphicContrast));
+    const QColor line = painted(tintColor(Tint::secondary, palette(), 0.4), palette().color(QPalette::Base));
+    painter.setPen(legible(line, palette().color(QPalette::Window), graphicContrast));
     painter.setBrush(palette().base());
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
 }

@@ -15,11 +15,11 @@ enum class Tint
     accent,    // the palette's highlight, to write on
     onAccent,  // what is written on the accent
     accentInk, // the accent where it is a symbol or a ring itself
-    grey,      // of symbols alone, as is yellow
+    grey,      // of symbols and edges alone
     green,
     orange,
     red,
-    yellow
+    yellow // of symbols alone
 };
 
 bool isDark(const QPalette &palette);
