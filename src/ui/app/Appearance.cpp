@@ -24,7 +24,8 @@ void Appearance::apply()
     // What lies below a palette of ours cannot be asked for. Nothing is painted before this function returns.
     QApplication::setPalette(QPalette());
     const QPalette theme = QApplication::palette();
-    const QPalette palette = paletteFor(m_source.wishes(), theme);
+    const ThemeRole role = FieldStyle::isInstalled() ? ThemeRole::proposes : ThemeRole::decides;
+    const QPalette palette = paletteFor(m_source.wishes(), theme, role);
     if (palette != theme)
         QApplication::setPalette(palette);
     AppearanceWatch::shared().setMotionReduced(m_source.wishes().lessMotion);

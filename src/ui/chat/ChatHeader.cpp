@@ -38,8 +38,6 @@ ChatHeader::ChatHeader(AppState &state, const QUuid &id, QWidget *parent)
       m_settings(new BorderlessButton(u"slider.horizontal.3"_s, tr("Settings for this model")))
 {
     m_model->setAccessibleName(tr("Model"));
-    // On Linux a box's name is what it shows.
-    m_model->setAccessibleDescription(tr("The model of this chat"));
     m_think->setToolTip(tr("Let the model reason before it answers"));
     auto *exportButton = new BorderlessButton(u"square.and.arrow.up"_s, tr("Export as Markdown"));
     auto *deleteButton = new BorderlessButton(u"trash"_s, tr("Delete this chat"));
@@ -47,7 +45,9 @@ ChatHeader::ChatHeader(AppState &state, const QUuid &id, QWidget *parent)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(10, 10, 10, 10);
     row->setSpacing(8);
-    row->addWidget(new TextLabel(tr("Model")));
+    auto *label = new TextLabel(tr("Model"));
+    label->setBuddy(m_model); // by which screen readers on Linux know it
+    row->addWidget(label);
     row->addWidget(m_model);
     row->addSpacing(8);
     row->addWidget(m_think);

@@ -41,6 +41,11 @@ void FieldStyle::install()
         QApplication::setStyle(new FieldStyle);
 }
 
+bool FieldStyle::isInstalled()
+{
+    return qobject_cast<FieldStyle *>(QApplication::style());
+}
+
 void FieldStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                                const QWidget *widget) const
 {

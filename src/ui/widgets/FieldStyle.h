@@ -12,6 +12,7 @@ class FieldStyle : public QProxyStyle
 public:
     // Takes the place of Qt's own style in the whole application; a desktop that brings one keeps it.
     static void install();
+    static bool isInstalled();
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                        const QWidget *widget) const override;

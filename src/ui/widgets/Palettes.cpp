@@ -109,11 +109,12 @@ void keepLegible(QPalette &palette, bool moreContrast)
 
 } // namespace
 
-QPalette paletteFor(const AppearanceWishes &wishes, const QPalette &theme)
+QPalette paletteFor(const AppearanceWishes &wishes, const QPalette &theme, ThemeRole role)
 {
     const bool isToBeDark = wishes.scheme == Scheme::none ? isDark(theme) : wishes.scheme == Scheme::dark;
+    const bool doesNotFit = isToBeDark != isDark(theme) || (wishes.moreContrast && !isHighContrast(theme));
     QPalette palette = theme;
-    if (isToBeDark != isDark(theme) || (wishes.moreContrast && !isHighContrast(theme)))
+    if (doesNotFit && role == ThemeRole::proposes)
         palette = ownPalette(isToBeDark, wishes.moreContrast);
     if (wishes.accent)
         setAccent(palette, QColor(*wishes.accent));

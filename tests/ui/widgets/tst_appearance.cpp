@@ -118,6 +118,7 @@ private Q_SLOTS:
         QVERIFY(contrast(QPalette::HighlightedText, QPalette::Highlight) >= textContrast);
         QVERIFY(contrast(QPalette::WindowText, QPalette::Window) >= (wishes.moreContrast ? 15 : 7));
         QCOMPARE(paletteFor(wishes, palette), palette);
+        QCOMPARE(isDark(paletteFor(wishes, theme, ThemeRole::decides)), isThemeDark);
     }
 
     // The theme's colours come back where the wishes go.
