@@ -110,7 +110,7 @@ int makeRequests(int argc, char **argv, const QString &port)
         });
     };
     QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&] {
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
         get(u"tags"_s);
         get(u"ps"_s);
     });
