@@ -10,6 +10,8 @@
 #include <QTest>
 #include <QVariantMap>
 
+#include <algorithm>
+
 #include <poll.h>
 #include <unistd.h>
 
@@ -48,14 +50,20 @@ public Q_SLOTS:
         shown.append({id, title, body, hints.value(QStringLiteral("desktop-entry")).toString()});
         return id;
     }
-    Q_SCRIPTABLE void CloseNotification(uint id) { closed.append(id); }
+    Q_SCRIPTABLE void CloseNotification(uint id)
+    {
+        // What an earlier test has closed may come late.
+        const auto isThis = [id](const Shown &one) { return one.id == id; };
+        if (std::any_of(shown.cbegin(), shown.cend(), isThis))
+            closed.append(id);
+    }
 
 Q_SIGNALS:
     Q_SCRIPTABLE void ActivationToken(uint id, const QString &token);
     Q_SCRIPTABLE void ActionInvoked(uint id, const QString &action);
 
 private:
-    uint m_last = 0;
+    static inline uint m_last = 0; // no two servers give the same number
 };
 
 class LoginManager : public QObject
