@@ -1,7 +1,6 @@
 #include "ui/chat/PromptEditor.h"
 
 #include "platform/text/OutsideText.h"
-#include "ui/widgets/Contrast.h"
 #include "ui/widgets/Tint.h"
 
 #include <QKeyEvent>
@@ -64,8 +63,7 @@ void PromptEditor::drawFrame()
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QColor line = painted(tintColor(Tint::secondary, palette(), 0.4), palette().color(QPalette::Base));
-    painter.setPen(legible(line, palette().color(QPalette::Window), graphicContrast));
+    painter.setPen(tintColor(Tint::edge, palette()));
     painter.setBrush(palette().base());
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
 }

@@ -51,9 +51,9 @@ void FieldStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opt
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     if (element == PE_FrameLineEdit && !option->state.testFlag(State_HasFocus))
-        drawEdge(option->rect, *option, *painter, 2, Tint::grey);
+        drawEdge(option->rect, *option, *painter, 2, Tint::edge);
     else if (element == PE_Frame && isTextField(widget))
-        drawEdge(option->rect, *option, *painter, 0, widget->hasFocus() ? Tint::accentInk : Tint::grey);
+        drawEdge(option->rect, *option, *painter, 0, widget->hasFocus() ? Tint::accentInk : Tint::edge);
 }
 
 void FieldStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
@@ -61,5 +61,5 @@ void FieldStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
 {
     QProxyStyle::drawComplexControl(control, option, painter, widget);
     if (control == CC_SpinBox && !option->state.testFlag(State_HasFocus))
-        drawEdge(option->rect.adjusted(0, 1, 0, -1), *option, *painter, 2, Tint::grey);
+        drawEdge(option->rect.adjusted(0, 1, 0, -1), *option, *painter, 2, Tint::edge);
 }

@@ -29,6 +29,14 @@ QColor hardestGround(const QPalette &palette)
     return painted(faded(palette.color(QPalette::WindowText), 0.15), palette.color(QPalette::Window));
 }
 
+// Of fields, which stand on cards and never on badges.
+QColor edgeColor(const QColor &secondary, const QPalette &palette)
+{
+    const QColor window = palette.color(QPalette::Window);
+    const QColor card = painted(faded(palette.color(QPalette::WindowText), 0.08), window);
+    return legible(painted(faded(secondary, 0.4), window), card, graphicContrast);
+}
+
 QColor shade(const Shades &shades, const QPalette &palette, double contrast)
 {
     return legible(QColor(isDark(palette) ? shades.onDark : shades.onLight), hardestGround(palette),
@@ -60,6 +68,8 @@ QColor madeColor(Tint tint, const QPalette &palette)
         return palette.color(QPalette::HighlightedText);
     case Tint::accentInk:
         return legible(palette.color(QPalette::Highlight), hardestGround(palette), graphicContrast);
+    case Tint::edge:
+        return edgeColor(secondaryText(palette), palette);
     case Tint::grey:
         return shade({0xff8e8e93, 0xff98989d}, palette, graphicContrast);
     case Tint::green:

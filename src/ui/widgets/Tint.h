@@ -15,11 +15,12 @@ enum class Tint
     accent,    // the palette's highlight, to write on
     onAccent,  // what is written on the accent
     accentInk, // the accent where it is a symbol or a ring itself
-    grey,      // of symbols and edges alone
+    edge,      // of fields: the secondary colour at 40 %, or at as much more as it takes to be seen
+    grey,      // of symbols alone, as is yellow
     green,
     orange,
     red,
-    yellow // of symbols alone
+    yellow
 };
 
 bool isDark(const QPalette &palette);
