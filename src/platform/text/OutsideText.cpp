@@ -9,7 +9,7 @@ constexpr qsizetype highestPile = 32;
 
 // Between letters of one direction, letters of the other, and digits. Each piece is laid out for itself, and
 // pages of two languages turn less often.
-constexpr int mostTurns = 400;
+constexpr int mostTurns = 200;
 
 constexpr char16_t firstStrongIsolate = u'\u2068';
 constexpr char16_t popIsolate = u'\u2069';

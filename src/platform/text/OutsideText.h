@@ -13,7 +13,7 @@ constexpr int longestLine = 1000;
 QString shownLine(const QString &text, qsizetype longest = longestLine);
 
 // `text` for a place of several lines: at most `longest` code units and `mostLines` lines, no more than it
-// has turned its direction 400 times, and an ellipsis where it was cut.
+// has turned its direction 200 times, and an ellipsis where it was cut.
 QString shownLines(const QString &text, qsizetype longest = longestLine, int mostLines = 12);
 
 // `text` as a part of a sentence of ours, whose words it leaves in their order whichever way it reads itself.
