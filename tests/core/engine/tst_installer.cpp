@@ -224,7 +224,7 @@ private Q_SLOTS:
     // So that no moment is without an engine.
     void theNewEngineTakesThePlaceOfTheOldInOneStep()
     {
-        const QString unpacked = AppPaths::tempDir() + "/work/unpacked"_L1;
+        const QString unpacked = AppPaths::tempDir() + "/unpacked"_L1;
         m_installer->putAt(unpacked + "/ollama"_L1, "new");
         if (!exchangePaths(unpacked, AppPaths::engineDir()))
             QSKIP("This file system cannot exchange folders");
